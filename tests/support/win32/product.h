@@ -1,0 +1,94 @@
+// The installed product, as tests set it up: registration, settings, the trace, the simulated handset.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "addin/platform/object.h"
+
+namespace testing_support {
+
+// Registers every server and the add-in, from the folder of the programs under test. The lines say what was done; a
+// line that begins with "failed" says what was not.
+std::vector<std::string> registerProduct();
+
+// Values under the add-in's Options key of the present user.
+void setOption(const wchar_t* name, std::uint32_t number);
+void setOption(const wchar_t* name, const wchar_t* text);
+void removeOption(const wchar_t* name);
+void removeAllOptions();
+
+// A value under HKEY_CURRENT_USER; 0 milliseconds or an empty text removes it.
+void setShortMinute(std::uint32_t milliseconds);
+void setHandsetStateFile(const std::wstring& path);
+
+// The trace: the add-in starts the viewer itself, which writes what it shows into the file.
+class TraceLog {
+ public:
+  explicit TraceLog(std::wstring file);
+  ~TraceLog();  // ends the viewer
+  TraceLog(const TraceLog&) = delete;
+  TraceLog& operator=(const TraceLog&) = delete;
+
+  // Lines from a position on, without the line end.
+  std::vector<std::string> lines(std::size_t from = 0) const;
+  std::size_t size() const { return lines().size(); }
+  // Waits until some line from `from` on contains the text.
+  bool waitFor(const std::string& text, std::size_t from, std::uint32_t milliseconds = 20000) const;
+  std::size_t count(const std::string& text, std::size_t from = 0) const;
+
+ private:
+  std::wstring file_;
+};
+
+// The simulated handset in dvmworker.exe; see servers/dvmworker/handset_control.h. COM must be initialised.
+class Handset : public platform::Object {
+ public:
+  using Object::Object;
+  static Handset connect();  // error 429 when the server cannot be started
+
+  void Plug() const { call(u"Plug"); }
+  void Unplug() const { call(u"Unplug"); }
+  std::int16_t Deliver(platform::StringView from, platform::StringView text, platform::StringView time) const {
+    return call<std::int16_t>(u"Deliver", from, text, time);
+  }
+  std::int16_t Put(std::int32_t store, std::int32_t status, platform::StringView number, platform::StringView text,
+                   platform::StringView time) const {
+    return call<std::int16_t>(u"Put", store, status, number, text, time);
+  }
+  void Clear(std::int32_t store) const { call(u"Clear", store); }
+  std::int16_t Fill(std::int32_t store) const { return call<std::int16_t>(u"Fill", store); }
+  std::int32_t StoredCount(std::int32_t store) const { return call<std::int32_t>(u"StoredCount", store); }
+  platform::String Stored(std::int32_t store) const { return call<platform::String>(u"Stored", store); }
+  void AnswerNext(platform::StringView operation, std::int32_t result) const { call(u"AnswerNext", operation, result); }
+  void SilenceNext(platform::StringView operation) const { call(u"SilenceNext", operation); }
+  std::int32_t SentCount() const { return call<std::int32_t>(u"SentCount"); }
+  platform::String SentDestination(std::int32_t i) const { return call<platform::String>(u"SentDestination", i); }
+  platform::String SentText(std::int32_t i) const { return call<platform::String>(u"SentText", i); }
+  platform::String SentServiceCentre(std::int32_t i) const { return call<platform::String>(u"SentServiceCentre", i); }
+  void ClearSent() const { call(u"ClearSent"); }
+  std::int32_t ProcessId() const { return call<std::int32_t>(u"ProcessId"); }
+};
+
+// Waits until the condition holds. False when the time is over.
+template <class F>
+bool waitUntil(F&& condition, std::uint32_t milliseconds = 20000);
+
+// Waits for a top-level window with this title and closes it. False when none came in time.
+bool closeWindow(const wchar_t* title, std::uint32_t milliseconds = 20000);
+
+void pauseBriefly();       // between two looks
+std::uint32_t ticksNow();  // milliseconds
+
+template <class F>
+bool waitUntil(F&& condition, std::uint32_t milliseconds) {
+  const std::uint32_t start = ticksNow();
+  while (!condition()) {
+    if (ticksNow() - start > milliseconds) return false;
+    pauseBriefly();
+  }
+  return true;
+}
+
+}  // namespace testing_support
