@@ -1,0 +1,62 @@
+// A keyed collection of text-message records, in the order of adding.
+//
+// Beside the collection stands an index by time-stamp text, so that the duplicate check finds the candidates of one
+// time stamp without walking the others. The index follows when a record's SentOn is written later and when a record is
+// removed. A sorted table was considered and lost: records arrive one by one while messages are listed.
+#pragma once
+
+#include <unordered_map>
+#include <vector>
+
+#include "addin/platform/collection.h"
+#include "addin/sms/clstextmessage.h"
+
+namespace addin {
+
+class coltextmessage : public Counted {
+ public:
+  ~coltextmessage() override;
+
+  // Adds a record; an empty key adds it without one. Error 457 for a key that is there already.
+  Ref<clstextmessage> Add(StringView Recipient, StringView SentOn, StringView MessageBody, StringView sKey = {});
+
+  // By position (from 1, error 9) or by key (error 5).
+  Ref<clstextmessage> Item(const Variant& vntIndexKey) const { return m_col.Item(vntIndexKey); }
+  std::int32_t Count() const { return m_col.Count(); }
+  void Remove(const Variant& vntIndexKey);
+
+  // The collection's enumerator: for (const auto& record : collection) walks it in the order of adding.
+  class Enumerator {
+   public:
+    Enumerator(const coltextmessage* collection, std::int32_t position)
+        : collection_(collection), position_(position) {}
+    Ref<clstextmessage> operator*() const { return collection_->Item(position_); }
+    Enumerator& operator++() {
+      ++position_;
+      return *this;
+    }
+    // At the end as soon as the collection has no such position, so that removals during a walk do no harm.
+    bool operator!=(const Enumerator& /*end*/) const { return position_ <= collection_->Count(); }
+
+   private:
+    const coltextmessage* collection_;
+    std::int32_t position_;
+  };
+  Enumerator NewEnum() const { return {this, 1}; }
+  Enumerator begin() const { return NewEnum(); }
+  Enumerator end() const { return {this, 0}; }
+
+  // The records whose SentOn is exactly this text, in the order of adding.
+  const std::vector<clstextmessage*>& SentAt(const String& sentOn) const;
+
+ private:
+  friend class clstextmessage;
+  void insertIntoIndex(clstextmessage& record);
+  void removeFromIndex(const clstextmessage& record);
+
+  Collection<Ref<clstextmessage>> m_col;
+  std::unordered_map<String, std::vector<clstextmessage*>> m_index;  // m_col keeps the records
+  std::uint64_t m_nAdded = 0;
+};
+
+}  // namespace addin
