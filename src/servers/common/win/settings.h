@@ -1,0 +1,28 @@
+// Settings of the servers, under HKEY_CURRENT_USER. They are read when they are needed, so a change counts at once.
+//
+//   Software\Marrick\timermm     ShortenMinute (DWORD)    test setting: milliseconds that a minute lasts for intervals
+//   of
+//                                                         at least a minute; missing or 0: 60000
+//   Software\Marrick\DVMWorker   StateFile (text)         where the simulated handset keeps its memories; missing:
+//                                                         %APPDATA%\Marrick\handset.txt
+//                                NextTransaction (DWORD)  written by sms_object.dll, see TransactionIds
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+#include "addin/platform/text.h"
+
+namespace servers::settings {
+
+inline constexpr platform::StringView timerKey = u"Software\\Marrick\\timermm";
+inline constexpr platform::StringView workerKey = u"Software\\Marrick\\DVMWorker";
+
+// Nothing when the value is missing or of another type.
+std::optional<std::uint32_t> number(platform::StringView key, platform::StringView name);
+std::optional<platform::String> text(platform::StringView key, platform::StringView name);
+
+// False when it could not be written.
+bool setNumber(platform::StringView key, platform::StringView name, std::uint32_t value) noexcept;
+
+}  // namespace servers::settings
