@@ -1,0 +1,68 @@
+// The store: folders and items, and every operation that changes them. An operation first makes the change last (on
+// the disk), then makes it in memory, then tells those who observe the folders; so observers see the finished state,
+// and may start operations of their own.
+#pragma once
+
+#include <memory>
+
+#include "mailclient/persistence.h"
+
+namespace mailclient {
+
+// The identifiers of OlDefaultFolders.
+enum class DefaultFolder : std::int32_t {
+  DeletedItems = 3,
+  Outbox = 4,
+  SentItems = 5,
+  Inbox = 6,
+  Calendar = 9,
+  Contacts = 10,
+  Journal = 11,
+  Notes = 12,
+  Tasks = 13,
+  Drafts = 16
+};
+
+class Store {
+ public:
+  explicit Store(std::unique_ptr<Persistence> persistence = nullptr);
+  Store(const Store&) = delete;
+  Store& operator=(const Store&) = delete;
+
+  const std::shared_ptr<Folder>& root() const { return root_; }
+  std::shared_ptr<Folder> defaultFolder(DefaultFolder which) const;
+  const StoreState& state() const { return state_; }
+
+  // The first item with this EntryID; null when there is none. (A damaged store may hold two: both are kept.)
+  MessagePtr find(StringView entryId) const;
+
+  // A new item that `save` will put into `folder`.
+  static MessagePtr create(Folder& folder, StringView messageClass);
+  void save(const MessagePtr& message);
+  void setUnread(const MessagePtr& message, bool unread);
+  void move(const MessagePtr& message, Folder& to);  // keeps the EntryID; an unsaved item is saved there
+  // Into Deleted Items; from there (and from the folders below it), for good.
+  void remove(const MessagePtr& message);
+
+  std::shared_ptr<Folder> addFolder(Folder& parent, StringView name, ItemType type);
+  void renameFolder(Folder& folder, StringView name);
+  void removeFolder(Folder& folder);  // with everything in it, for good
+
+  void publishForm(PublishedForm form);
+  void saveButtons(std::vector<SavedButton> buttons);
+
+ private:
+  String newEntryId();
+  bool isDeleted(const Folder& folder) const;
+  void fill(Folder& folder, LoadedFolder& loaded);
+  void addDefaultFolders();
+  static void take(const MessagePtr& message);
+
+  std::unique_ptr<Persistence> persistence_;
+  StoreState state_;
+  std::uint64_t nextId_ = 1;
+  std::shared_ptr<Folder> root_;
+  std::vector<std::shared_ptr<Folder>> removed_;  // unsaved items and views may still point to them
+};
+
+}  // namespace mailclient

@@ -1,0 +1,16 @@
+// The machine under the stand-in mail client: Windows' clock, time zone and disks.
+#pragma once
+
+#include "mailclient/environment.h"
+
+namespace mailclient::win {
+
+class WindowsEnvironment final : public Environment {
+ public:
+  Date utcNow() override;
+  Date toLocal(Date utc) override;
+  Date toUtc(Date local) override;
+  void flushToDisk(const std::filesystem::path& file) override;
+};
+
+}  // namespace mailclient::win
