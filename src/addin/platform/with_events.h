@@ -68,7 +68,7 @@ class WithEvents {
   WithEvents(const WithEvents&) = delete;
 
   WithEvents& operator=(const T& object) {
-    // A copy, because `object` may be this very field's. NOLINTNEXTLINE(performance-unnecessary-copy-initialization)
+    // A copy, because `object` may be this very field's.
     const T incoming = object;
     Ref<Counted> fresh = incoming ? subscribeTo(incoming) : Ref<Counted>();  // a failure leaves the field as it was
     subscription_ = std::move(fresh);
