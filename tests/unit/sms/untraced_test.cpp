@@ -1,4 +1,5 @@
 // What the engine does is the same whether its trace is wanted or not.
+#include "addin/diag/basDbgOut.h"
 #include "support/errors.h"
 #include "unit/sms/receiving_fixture.h"
 
