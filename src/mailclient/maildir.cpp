@@ -1,8 +1,8 @@
 #include "mailclient/maildir.h"
 
 #include <algorithm>
-#include <cmath>
 #include <charconv>
+#include <cmath>
 #include <fstream>
 #include <iterator>
 #include <random>
