@@ -3,6 +3,7 @@
 #include <type_traits>
 
 #include "win32/clock.h"
+#include "win32/files.h"
 #include "win32/locale.h"
 #include "win32/module.h"
 #include "win32/objects.h"
@@ -23,6 +24,7 @@ struct Parts {
   Windows windows;
   Shell shell;
   Objects objects;
+  Files files;
   UserInterface ui;
   Module module;
 };
@@ -32,7 +34,7 @@ static_assert(std::is_trivially_destructible_v<Parts> && std::is_trivially_destr
 
 constinit Parts parts;
 constinit platform::System theSystem{parts.clock, parts.pump,    parts.locale, parts.registry, parts.windows,
-                                     parts.shell, parts.objects, parts.ui,     parts.module};
+                                     parts.shell, parts.objects, parts.files,  parts.ui,       parts.module};
 
 }  // namespace
 

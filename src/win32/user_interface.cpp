@@ -1,9 +1,46 @@
 #include "win32/user_interface.h"
 
 #include "addin/platform/runtime_error.h"
+#include "win32/form_window.h"
 #include "win32/text.h"
 
 namespace win32 {
+namespace {
+
+HWND firstWindow() {
+  HWND found = nullptr;
+  EnumThreadWindows(
+      GetCurrentThreadId(),
+      [](HWND window, LPARAM to) -> BOOL {
+        if (!IsWindowVisible(window) || GetWindow(window, GW_OWNER)) return TRUE;
+        *reinterpret_cast<HWND*>(to) = window;
+        return FALSE;
+      },
+      reinterpret_cast<LPARAM>(&found));
+  return found;
+}
+
+// Never one of our own dialogs: what it owned would close with it.
+HWND ownerOfDialogs() {
+  const HWND active = GetActiveWindow();
+  return active ? GetAncestor(active, GA_ROOTOWNER) : firstWindow();
+}
+
+// False when a quit message came; it is posted again.
+bool serveUntilUnloaded(const platform::Form& form) {
+  while (form.IsLoaded()) {
+    MSG message;
+    if (GetMessageW(&message, nullptr, 0, 0) <= 0) {
+      PostQuitMessage(static_cast<int>(message.wParam));
+      return false;
+    }
+    TranslateMessage(&message);
+    DispatchMessageW(&message);
+  }
+  return true;
+}
+
+}  // namespace
 
 std::int32_t UserInterface::messageBox(platform::StringView prompt, std::int32_t flags, platform::StringView title) {
   const HWND owner = GetActiveWindow();
@@ -11,8 +48,16 @@ std::int32_t UserInterface::messageBox(platform::StringView prompt, std::int32_t
   return MessageBoxW(owner, wide(platform::String(prompt)), wide(platform::String(title)), kind);
 }
 
-void UserInterface::showForm(platform::StringView /*form*/, platform::FormModality /*modality*/) {
-  platform::raiseError(438);
+bool UserInterface::showForm(platform::Form& form, platform::FormModality modality) {
+  platform::Ref<FormWindow> window(static_cast<FormWindow*>(form.View()));  // all views are of this kind here
+  if (!window) window = FormWindow::open(form, ownerOfDialogs(), messageFont());
+  if (modality == platform::FormModality::Modal) window.get()->blockOthers();
+  window.get()->bringToFront();
+  if (modality == platform::FormModality::Modeless) return true;
+  window = nullptr;
+  if (serveUntilUnloaded(form)) return true;
+  form.Unload();
+  return false;
 }
 
 }  // namespace win32

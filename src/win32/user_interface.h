@@ -10,7 +10,9 @@ class UserInterface final : public platform::UserInterface {
   // The thread's active window owns the box; without one, all windows of the thread wait for it. 0 when the box could
   // not be shown.
   std::int32_t messageBox(platform::StringView prompt, std::int32_t flags, platform::StringView title) override;
-  void showForm(platform::StringView form, platform::FormModality modality) override;
+  // The thread's active top-level window owns the dialog, or else its first one that can be seen. Error 7 when Windows
+  // makes no window.
+  bool showForm(platform::Form& form, platform::FormModality modality) override;
 };
 
 }  // namespace win32

@@ -1,6 +1,8 @@
 #include "support/native_system.h"
 
 #include <algorithm>
+#include <stdexcept>
+#include <utility>
 
 #include "support/text.h"
 
@@ -52,11 +54,50 @@ std::int32_t NativeUserInterface::messageBox(platform::StringView prompt, std::i
   return answer;
 }
 
-void NativeUserInterface::showForm(platform::StringView form, platform::FormModality modality) {
-  journal_.write("form " + utf8(form));
-  forms.push_back({platform::String(form), modality});
-  if (!onShowForm) platform::raiseError(438);
-  onShowForm(form, modality);
+void NativeFiles::read(platform::StringView path, const std::function<bool(std::string_view piece)>& take) {
+  journal_.write("read file \"" + utf8(path) + "\"");
+  const auto at = contents.find(platform::String(path));
+  if (at == contents.end()) platform::raiseError(53);
+  const std::string& bytes = at->second;
+  for (std::size_t position = 0; position < bytes.size(); position += pieceSize) {
+    if (position + pieceSize > breaksAt) platform::raiseError(75);
+    if (!take(std::string_view(bytes).substr(position, pieceSize))) return;
+  }
+}
+
+bool NativeUserInterface::showForm(platform::Form& form, platform::FormModality modality) {
+  const bool modal = modality == platform::FormModality::Modal;
+  journal_.write("form " + utf8(form.Name()) + (modal ? " modal" : ""));
+  shown.push_back({platform::String(form.Name()), modality});
+  if (windowsCannotBeMade) platform::raiseError(7);
+  if (!form.View()) views_.push_back(std::make_shared<ScriptedView>(form));
+  const auto at =
+      std::find_if(views_.begin(), views_.end(), [&](const auto& view) { return view.get() == form.View(); });
+  const std::shared_ptr<ScriptedView> view = *at;  // others may come while it is open
+  if (const auto act = whenShown) act(*view);      // it may put another in its own place
+  while (modal && form.IsLoaded()) {
+    if (pump_.wait(1000)) continue;
+    form.Unload();
+    return false;
+  }
+  return true;
+}
+
+ScriptedView* NativeUserInterface::find(platform::StringView form) const {
+  const auto at = std::find_if(views_.begin(), views_.end(), [&](const auto& view) {
+    return view->isOpen() && platform::sameName(view->form().Name(), form);
+  });
+  return at == views_.end() ? nullptr : at->get();
+}
+
+ScriptedView& NativeUserInterface::view(platform::StringView form) {
+  ScriptedView* const found = find(form);
+  if (!found) throw std::logic_error("no form " + utf8(form) + " is open");
+  return *found;
+}
+
+void NativeUserInterface::closeAll() {
+  for (const auto& view : std::exchange(views_, {})) view->close();
 }
 
 }  // namespace testing_support

@@ -8,14 +8,18 @@
 #pragma once
 
 #include <functional>
+#include <map>
+#include <memory>
 #include <vector>
 
+#include "addin/platform/form.h"
 #include "addin/platform/system.h"
 #include "support/journal.h"
 #include "support/native_locale.h"
 #include "support/native_registry.h"
 #include "support/native_time.h"
 #include "support/native_windows.h"
+#include "support/scripted_view.h"
 
 namespace testing_support {
 
@@ -75,6 +79,20 @@ class NativeObjects final : public platform::Objects {
   std::vector<Entry> entries_;
 };
 
+// Files in memory, by their path as it was written.
+class NativeFiles final : public platform::Files {
+ public:
+  explicit NativeFiles(Journal& journal) : journal_(journal) {}
+  void read(platform::StringView path, const std::function<bool(std::string_view piece)>& take) override;
+
+  std::map<platform::String, std::string> contents;
+  std::size_t pieceSize = 4;               // small, so that what is read lies across their borders
+  std::size_t breaksAt = std::size_t(-1);  // a file fails with 75 when so many bytes of it have been read
+
+ private:
+  Journal& journal_;
+};
+
 class NativeUserInterface final : public platform::UserInterface {
  public:
   struct Box {
@@ -83,25 +101,35 @@ class NativeUserInterface final : public platform::UserInterface {
     platform::String title;
     friend bool operator==(const Box&, const Box&) = default;
   };
-  struct Form {
+  struct Shown {
     platform::String name;
     platform::FormModality modality{};
-    friend bool operator==(const Form&, const Form&) = default;
+    friend bool operator==(const Shown&, const Shown&) = default;
   };
 
-  explicit NativeUserInterface(Journal& journal) : journal_(journal) {}
+  NativeUserInterface(Journal& journal, platform::Pump& pump) : journal_(journal), pump_(pump) {}
   std::int32_t messageBox(platform::StringView prompt, std::int32_t flags, platform::StringView title) override;
-  void showForm(platform::StringView form, platform::FormModality modality) override;
+  // A modal form is open until posted work, or `whenShown`, unloads it.
+  bool showForm(platform::Form& form, platform::FormModality modality) override;
+
+  // The view of an open form; a test failure when there is none of that name.
+  ScriptedView& view(platform::StringView form);
+  bool isOpen(platform::StringView form) const { return find(form) != nullptr; }
+  void closeAll();
 
   std::vector<Box> boxes;
-  std::vector<Form> forms;  // every attempt
-  std::int32_t answer = 1;  // IDOK
+  std::vector<Shown> shown;  // every time that a form was shown or brought to the front
+  std::int32_t answer = 1;   // IDOK
   std::function<void()> whileBoxIsOpen;
-  // Without it every form is one that this build does not have: error 438.
-  std::function<void(platform::StringView form, platform::FormModality modality)> onShowForm;
+  std::function<void(ScriptedView& view)> whenShown;  // the user's first doings
+  bool windowsCannotBeMade = false;                   // showForm fails with 7
 
  private:
+  ScriptedView* find(platform::StringView form) const;
+
   Journal& journal_;
+  platform::Pump& pump_;
+  std::vector<std::shared_ptr<ScriptedView>> views_;  // those of unloaded forms too, which may still be on the stack
 };
 
 class NativeModule final : public platform::Module {
@@ -117,6 +145,7 @@ class NativeSystem {
  public:
   NativeSystem() : before_(platform::currentSystem) { platform::currentSystem = &system_; }
   ~NativeSystem() {
+    ui.closeAll();
     time.dropWork();  // what ends with the work and the factories may still call the system
     objects.withdrawAll();
     platform::currentSystem = before_;
@@ -131,14 +160,15 @@ class NativeSystem {
   NativeWindows windows{journal, time};
   NativeShell shell{journal};
   NativeObjects objects{journal};
-  NativeUserInterface ui{journal};
+  NativeFiles files{journal};
+  NativeUserInterface ui{journal, time};
   NativeModule module;
 
   // The texts that the viewer received (windows.openViewer() first).
   std::vector<std::string> trace() const { return windows.trace(); }
 
  private:
-  platform::System system_{time, time, locale, registry, windows, shell, objects, ui, module};
+  platform::System system_{time, time, locale, registry, windows, shell, objects, files, ui, module};
   platform::System* before_;
 };
 

@@ -20,6 +20,10 @@ inline void Sleep(std::int32_t milliseconds) { system().clock.sleep(milliseconds
 inline void Beep() { system().windows.beep(); }
 inline Object CreateObject(StringView progId) { return system().objects.create(progId); }
 inline void Shell(StringView command, std::int16_t windowStyle) { system().shell.start(command, windowStyle); }
+inline std::int32_t GetPlatformId() { return system().shell.platformId(); }
+
+// The help viewer, without an owner window; what it returns is not looked at.
+inline void HtmlHelp(const std::string& path, std::uint32_t command) { system().shell.htmlHelp(0, path, command, 0); }
 
 inline WindowHandle FindWindow(const std::string& className, const std::string& title) {
   return system().windows.findWindow(className, title);
@@ -32,6 +36,12 @@ inline void SendCopyData(WindowHandle window, const CopyData& record) {
 inline constexpr std::int32_t REG_TYPE_SZ = 1;
 inline constexpr std::int32_t REG_TYPE_DWORD = 4;
 inline constexpr std::int32_t STATUS_SUCCESS = 0;  // ERROR_SUCCESS of the Win32 calls
+
+// Command of HtmlHelp: opens the file at its default topic.
+inline constexpr std::uint32_t HH_DISPLAY_TOPIC = 0;
+
+// Platform identifier of Windows NT and what came of it.
+inline constexpr std::int32_t PLATFORM_WIN32_NT = 2;  // VER_PLATFORM_WIN32_NT
 
 // Window style of Shell: minimised, with the focus.
 inline constexpr std::int16_t SHELL_MINIMIZED_FOCUS = 2;

@@ -37,6 +37,8 @@ String RemoveAll(StringView text, StringView what) {
   }
 }
 
+String NumberInParentheses(StringView text) { return RemoveAll(GetBetween(text, u"(", u")"), u" "); }
+
 bool ParseTimeStamp(StringView text, Date& result) {
   if (text.size() < 11 || !std::all_of(text.begin(), text.end(), isDigit)) return false;
   const std::int32_t yy = twoDigits(text, 0);

@@ -11,6 +11,9 @@ String GetBetween(StringView text, StringView startMark, StringView endMark);
 // `text` with every occurrence of `what` removed.
 String RemoveAll(StringView text, StringView what);
 
+// The number of a service-centre text, which stands between "(" and ")", without spaces.
+String NumberInParentheses(StringView text);
+
 // Reads a time stamp of digits only, two each for year, month, day, hour, minute and second, at least 11 characters
 // long; what follows the twelfth is ignored. Years 50 to 99 are 19xx, 00 to 49 are 20xx. False, with `result` left
 // alone, when the text is no time stamp or names an impossible date.

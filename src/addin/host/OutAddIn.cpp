@@ -46,7 +46,7 @@ void OutAddIn::InitHandler(const outlook::Application& Application, StringView P
 bool OutAddIn::StartUpCompleted() {
   return onErrorLog<bool>([&](bool& result) {
     const auto fail = [](StringView description) { raiseError(-1, u"StartUpCompleted", description); };
-    if (WizardDone() != 1) system().ui.showForm(u"frmwizard", FormModality::Modal);
+    if (WizardDone() != 1 && !ShowWizard(FormModality::Modal)) return;  // the program ends
     // Messages are served while the wizard is open and while the phone server starts. When the mail client has gone
     // meanwhile, there is nobody left to serve.
     if (m_bUnInitialised) return;
@@ -136,9 +136,11 @@ void OutAddIn::UnInitHandler() {
       [&] { m_objTimer = nullptr; }, [&] { m_objSMSHandler = nullptr; }, [&] { m_objMailItem = nullptr; },
       [&] { objInsp = nullptr; }, [&] { objExpl = nullptr; }, [&] { colInsp = nullptr; }, [&] { colExpl = nullptr; },
       [&] { objNS = nullptr; }, [&] { SetModuleApplication({}); }, [&] { objOutlook = nullptr; });
+  UnloadForms();
 }
 
 void OutAddIn::terminate() noexcept {
+  m_bUnInitialised = true;
   onErrorResumeNext([&] { Class_Terminate(); },
                     // The rest goes with the object. It goes here already, because memory may be held by a wait or a
                     // message box further down the stack while the mail client must not be.
@@ -148,6 +150,7 @@ void OutAddIn::terminate() noexcept {
                     [&] { m_objTimer = nullptr; }, [&] { m_objSMSHandler = nullptr; }, [&] { m_objMailItem = nullptr; },
                     [&] { objInsp = nullptr; }, [&] { objExpl = nullptr; }, [&] { colInsp = nullptr; },
                     [&] { colExpl = nullptr; }, [&] { objNS = nullptr; }, [&] { objOutlook = nullptr; });
+  UnloadForms();
 }
 
 void OutAddIn::Class_Terminate() { StopTimer(); }

@@ -2,7 +2,7 @@
 // buttons, owns the transport engine and the polling timer, and lets go of everything at the end.
 //
 // Sources: OutAddIn.cpp (start-up and tear-down), OutAddIn_commands.cpp (buttons, send and receive),
-// OutAddIn_events.cpp (the mail client's events, form and options page).
+// OutAddIn_events.cpp (the mail client's events, form and options page), OutAddIn_forms.cpp (wizard and About box).
 #pragma once
 
 #include "addin/common/basGlobal.h"
@@ -11,6 +11,8 @@
 #include "addin/platform/outlook.h"
 #include "addin/platform/timermm.h"
 #include "addin/platform/with_events.h"
+#include "addin/settings/frmabout.h"
+#include "addin/settings/frmwizard.h"
 #include "addin/sms/clsSMSHandler.h"
 
 namespace addin {
@@ -46,6 +48,11 @@ class OutAddIn final : public Counted {
   void Class_Terminate();
   void StopTimer();
 
+  // Forms. There is one of each at a time; showing it again brings it to the front.
+  bool ShowWizard(FormModality modality);  // false when a quit message ended the waiting for a modal one
+  void ShowAbout();
+  void UnloadForms() noexcept;
+
   // Buttons.
   ButtonTexts LocalizedButtonTexts();
   void InstallButtons(StringView ProgId);
@@ -79,7 +86,9 @@ class OutAddIn final : public Counted {
   localizer::Localizer m_objLocalizer;
   std::int32_t m_nInterval = 0;     // minutes between automatic runs
   std::int32_t m_nMinutesLeft = 0;  // until the next one
-  bool m_bUnInitialised = false;    // since UnInitHandler: a start-up that is still on the stack goes no further
+  Ref<frmwizard> m_frmwizard;       // while it is open
+  Ref<frmabout> m_frmabout;
+  bool m_bUnInitialised = false;  // since the tear-down: a start-up that is still on the stack goes no further
 
   WithEvents<outlook::Application> objOutlook{
       this, on<outlook::ApplicationEvents::OptionsPagesAdd, &OutAddIn::objOutlook_OptionsPagesAdd>};

@@ -7,6 +7,7 @@
 #include "addin/host/basCommandBars.h"
 #include "addin/platform/arithmetic.h"
 #include "addin/settings/basRegistry.h"
+#include "addin/settings/bashelp.h"
 #include "addin/settings/basresourceid.h"
 
 namespace addin {
@@ -111,7 +112,7 @@ void OutAddIn::AddToHelpMenu(StringView ProgId, const ButtonTexts& texts) {
 void OutAddIn::objCBNewButton_Click(const Object& /*ctrl*/, bool& /*CancelDefault*/) {
   onErrorLog([&] {
     if (WizardDone() != 1) {
-      system().ui.showForm(u"frmwizard", FormModality::Modeless);
+      ShowWizard(FormModality::Modeless);
       return;
     }
     const outlook::MailItem item = objExpl->CurrentFolder().Items().Add(MESSAGE_CLASS);
@@ -120,11 +121,11 @@ void OutAddIn::objCBNewButton_Click(const Object& /*ctrl*/, bool& /*CancelDefaul
 }
 
 void OutAddIn::objCBAboutButton_Click(const Object& /*ctrl*/, bool& /*CancelDefault*/) {
-  onErrorLog([&] { system().ui.showForm(u"frmabout", FormModality::Modeless); });
+  onErrorLog([&] { ShowAbout(); });
 }
 
 void OutAddIn::objCBHelpButton_Click(const Object& /*ctrl*/, bool& /*CancelDefault*/) {
-  onErrorLog([&] { raiseError(438); });  // this build has no help
+  onErrorLog([] { ShowHelp(); });
 }
 
 void OutAddIn::objCBSRButton_Click(const Object& /*ctrl*/, bool& /*CancelDefault*/) {
@@ -134,7 +135,7 @@ void OutAddIn::objCBSRButton_Click(const Object& /*ctrl*/, bool& /*CancelDefault
 void OutAddIn::SendAndReceive() {
   onErrorLog([&] {
     if (WizardDone() != 1) {
-      system().ui.showForm(u"frmwizard", FormModality::Modeless);
+      ShowWizard(FormModality::Modeless);
       return;
     }
     if (m_objSMSHandler) {

@@ -25,6 +25,8 @@ constexpr std::array entries{
     Entry{76, u"Path not found"},
     Entry{91, u"Object variable or With block variable not set"},
     Entry{94, u"Invalid use of Null"},
+    Entry{380, u"Invalid property value"},
+    Entry{381, u"Invalid property array index"},
     Entry{401, u"Can't show non-modal form when modal form is displayed"},
     Entry{424, u"Object required"},
     Entry{429, u"ActiveX component can't create object"},

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -102,14 +103,27 @@ class Objects {
   ~Objects() = default;
 };
 
-enum class FormModality : std::uint8_t { Modeless, Modal };
+class Files {
+ public:
+  // Hands a file's bytes piece by piece to `take`, until it returns false or the file ends. Error 53 when there is no
+  // such file, 75 when it cannot be read (on).
+  virtual void read(StringView path, const std::function<bool(std::string_view piece)>& take) = 0;
+
+ protected:
+  ~Files() = default;
+};
+
+class Form;
+enum class FormModality : std::uint8_t;  // form.h
 
 class UserInterface {
  public:
   // Shows a box and waits for it to be closed. Flags as for MessageBox: 64 is the information icon with an OK button.
   virtual std::int32_t messageBox(StringView prompt, std::int32_t flags, StringView title) = 0;
-  // Shows one of the add-in's own forms by name; error 438 for a form that this build does not have.
-  virtual void showForm(StringView form, FormModality modality) = 0;
+  // Gives a loaded form a view and shows it, or brings it to the front when it has one. The view holds the form until
+  // it is unloaded. A modal form is waited for: the thread's other windows take no input meanwhile, and a quit message
+  // unloads the form, is posted again and makes the result false. Form::Show is what calls this.
+  virtual bool showForm(Form& form, FormModality modality) = 0;
 
  protected:
   ~UserInterface() = default;
@@ -139,6 +153,7 @@ struct System {
   Windows& windows;
   Shell& shell;
   Objects& objects;
+  Files& files;
   UserInterface& ui;
   Module& module;
 };

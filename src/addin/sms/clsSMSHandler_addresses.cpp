@@ -21,9 +21,7 @@ String clsSMSHandler::ExtractPhoneNumber(StringView address) {
   return RemoveAll(RemoveAll(RemoveAll(GetBetween(address, u"[", u"]"), u"("), u")"), u" ");
 }
 
-String clsSMSHandler::ExtractParenthesisedNumber(StringView text) {
-  return RemoveAll(GetBetween(text, u"(", u")"), u" ");
-}
+String clsSMSHandler::ExtractParenthesisedNumber(StringView text) { return NumberInParentheses(text); }
 
 String clsSMSHandler::GetServiceCentreAddress() {
   return onErrorLog<String>([&](String& result) {

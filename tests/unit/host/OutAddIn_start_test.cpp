@@ -65,47 +65,6 @@ TEST_F(StartUp, StartUpCompleted_EngineBeforeFoldersBeforeTimerBeforeForm) {
   addIn->UnInitHandler();
 }
 
-TEST_F(StartUp, StartUpCompleted_WizardNotDone_ShowsItModallyAndGoesOnWhateverCameOfIt) {
-  for (const std::uint32_t value : {0u, 2u, 0xFFFFFFFFu}) {
-    setOption("WizardDone", value);
-    system.ui.forms.clear();
-    system.ui.onShowForm = [](StringView, FormModality) {};
-    init();
-    EXPECT_TRUE(addIn->StartUpCompleted());
-    EXPECT_EQ(system.ui.forms,
-              (std::vector<testing_support::NativeUserInterface::Form>{{u"frmwizard", FormModality::Modal}}));
-    addIn->UnInitHandler();
-    addIn = make<OutAddIn>();
-  }
-}
-
-TEST_F(StartUp, StartUpCompleted_WizardValueMissing_ShowsIt) {
-  system.registry.deleteValue(rootCurrentUser, optionsKey, "WizardDone");
-  system.ui.onShowForm = [](StringView, FormModality) {};
-  init();
-  EXPECT_TRUE(addIn->StartUpCompleted());
-  EXPECT_EQ(system.ui.forms.size(), 1u);
-  addIn->UnInitHandler();
-}
-
-TEST_F(StartUp, StartUpCompleted_WizardThatThisBuildLacks_IsAFailedStep) {
-  setOption("WizardDone", 0u);
-  init();
-  EXPECT_FALSE(addIn->StartUpCompleted());
-  EXPECT_EQ(newTrace(), (Lines{"Error:438, Object doesn't support this property or method, mrktxtmsg"}));
-  EXPECT_TRUE(timers.empty());
-  addIn->UnInitHandler();
-}
-
-TEST_F(StartUp, StartUpCompleted_ClosedWhileTheWizardIsOpen_StartsNothing) {
-  setOption("WizardDone", 0u);
-  system.ui.onShowForm = [this](StringView, FormModality) { addIn->UnInitHandler(); };
-  init();
-  EXPECT_FALSE(addIn->StartUpCompleted());
-  EXPECT_TRUE(timers.empty());
-  EXPECT_EQ(system.objects.asked, (std::vector<String>{u"mrktxtmsgres.localizer"}));  // for the button texts
-}
-
 TEST_F(StartUp, InitHandler_AfterATearDown_CanStartAgain) {
   start();
   addIn->UnInitHandler();

@@ -101,11 +101,12 @@ const std::string startUpFailed = "Error:-1, Failed in baseclass.StartUpComplete
 
 TEST_F(Connect, OnConnection_DisconnectedWhileTheWizardIsOpen_EndsThere) {
   setOption("WizardDone", 0u);
-  system.ui.onShowForm = [this](StringView, FormModality) {
+  system.ui.whenShown = [this](ScriptedView&) {
     newTrace();
     entry->OnDisconnection(0, {});
     EXPECT_EQ(application->listeners(), 0u);  // at once, not when the wizard has been closed
     EXPECT_FALSE(ModuleApplication());
+    EXPECT_FALSE(system.ui.isOpen(u"frmwizard"));
   };
   onConnection();
   Lines expected = tornDownLines;

@@ -26,6 +26,8 @@ using testing_support::Census;
 using testing_support::fake;
 using testing_support::FakeObject;
 using testing_support::Recorder;
+using testing_support::ScriptedView;
+using Shown = testing_support::NativeUserInterface::Shown;
 using Lines = std::vector<std::string>;
 
 class HostFixture : public testing::Test {

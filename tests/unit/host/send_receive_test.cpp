@@ -98,11 +98,9 @@ TEST_F(SendReceive, Command_WithoutEngine_GoesOnToTheCheckAndEndsThere) {
 TEST_F(SendReceive, Command_BeforeTheWizardIsDone_ShowsItModelessOnly) {
   startWithPhone();
   setOption("WizardDone", 0u);
-  system.ui.onShowForm = [](StringView, FormModality) {};
   addIn->SendAndReceive();
   EXPECT_EQ(newTrace(), Lines{});
-  EXPECT_EQ(system.ui.forms,
-            (std::vector<testing_support::NativeUserInterface::Form>{{u"frmwizard", FormModality::Modeless}}));
+  EXPECT_EQ(system.ui.shown, (std::vector<Shown>{{u"frmwizard", FormModality::Modeless}}));
 }
 
 TEST_F(SendReceive, Click_RunsTheCommand) {
@@ -308,9 +306,27 @@ TEST_F(SendReceive, Timer_ErrorInItsOwnSteps_LeavesItDisabled) {
 TEST_F(SendReceive, Timer_WizardNotDone_OpensItAtEachRun) {
   startWithPhone();
   setOption("WizardDone", 0u);
-  system.ui.onShowForm = [](StringView, FormModality) {};
-  for (int i = 0; i < 4; ++i) tick();
-  EXPECT_EQ(system.ui.forms.size(), 2u);
+  tick();
+  tick();
+  ASSERT_EQ(system.ui.shown.size(), 1u);
+  system.ui.view(u"frmwizard").close();
+  tick();
+  tick();
+  EXPECT_EQ(system.ui.shown.size(), 2u);
+  EXPECT_TRUE(system.ui.isOpen(u"frmwizard"));
+  EXPECT_EQ(timers.back()->valueOf(u"Enabled"), Variant(true));  // the run did not wait for it
+}
+
+TEST_F(SendReceive, Timer_WizardStillOpen_BringsTheSameOneToTheFront) {
+  startWithPhone();
+  setOption("WizardDone", 0u);
+  tick();
+  tick();
+  system.ui.view(u"frmwizard").click("btnNext");
+  tick();
+  tick();
+  EXPECT_EQ(system.ui.shown.size(), 2u);
+  EXPECT_TRUE(system.ui.view(u"frmwizard").seen("pageServiceCentre"));  // where the user had left it
 }
 
 TEST_F(SendReceive, Timer_DisconnectedWhileTheBoxIsOpen_EndsWithoutTouchingAnything) {

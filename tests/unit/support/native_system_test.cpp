@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "support/errors.h"
+#include "support/seam_recorder.h"
 #include "support/text.h"
 
 namespace testing_support {
@@ -274,15 +275,59 @@ TEST(NativeObjects, CreateByProgIdWithoutCase) {
   EXPECT_EQ(system.objects.asked, (std::vector<platform::String>{u"a.b", u"c.d", u"a.b"}));
 }
 
-TEST(NativeUserInterface, BoxesAndForms) {
+TEST(NativeUserInterface, Boxes) {
   NativeSystem system;
   int open = 0;
   system.ui.whileBoxIsOpen = [&] { ++open; };
   EXPECT_EQ(system.ui.messageBox(u"p", 64, u"t"), 1);
   EXPECT_EQ(open, 1);
   EXPECT_EQ(system.ui.boxes, (std::vector<NativeUserInterface::Box>{{u"p", 64, u"t"}}));
-  EXPECT_EQ(errorNumberOf([&] { system.ui.showForm(u"frmAbout", platform::FormModality::Modal); }), 438);
-  EXPECT_EQ(system.ui.forms.size(), 1u);
+}
+
+class PlainForm final : public platform::Form {
+ public:
+  PlainForm() : Form(u"frmPlain") {}
+
+ protected:
+  void Form_Load() override {}
+};
+
+TEST(NativeUserInterface, ModalForm_IsOpenUntilPostedWorkUnloadsIt) {
+  NativeSystem system;
+  const Census census;
+  const auto form = platform::make<PlainForm>();
+  system.time.post(3000, [&] { system.ui.view(u"FRMplain").close(); });
+  EXPECT_TRUE(form->Show(platform::FormModality::Modal));
+  EXPECT_EQ(system.time.elapsed(), 3000);
+  EXPECT_FALSE(system.ui.isOpen(u"frmPlain"));
+  EXPECT_EQ(system.ui.shown, (std::vector<NativeUserInterface::Shown>{{u"frmPlain", platform::FormModality::Modal}}));
+}
+
+TEST(NativeUserInterface, ModelessForm_StaysOpenUntilTheSystemEnds) {
+  const Census census;
+  const auto form = platform::make<PlainForm>();
+  {
+    NativeSystem system;
+    EXPECT_TRUE(form->Show(platform::FormModality::Modeless));
+    EXPECT_TRUE(system.ui.isOpen(u"frmPlain"));
+  }
+  EXPECT_FALSE(form->IsLoaded());
+}
+
+TEST(NativeFiles, Read_InPiecesUntilTheReaderHasEnough) {
+  NativeSystem system;
+  system.files.contents[u"C:\\list"] = "0123456789";
+  std::vector<std::string> pieces;
+  const auto take = [&](std::string_view piece) { return pieces.emplace_back(piece), pieces.size() < 4; };
+  system.files.read(u"C:\\list", take);
+  EXPECT_EQ(pieces, (std::vector<std::string>{"0123", "4567", "89"}));
+  pieces.assign(3, "");
+  system.files.read(u"C:\\list", take);
+  EXPECT_EQ(pieces.size(), 4u);
+  pieces.clear();
+  system.files.breaksAt = 4;
+  EXPECT_EQ(errorNumberOf([&] { system.files.read(u"C:\\list", take); }), 75);
+  EXPECT_EQ(errorNumberOf([&] { system.files.read(u"C:\\none", take); }), 53);
 }
 
 TEST(Text, Utf8) {

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "support/errors.h"
 #include "support/text.h"
 #include "test_window.h"
 #include "win32/system.h"
@@ -65,12 +64,6 @@ TEST(UserInterface, MessageBox_WithoutAnActiveWindow_AllWindowsOfTheThreadWait) 
   EXPECT_EQ(showBox(seen, window.handle()), IDOK);
   EXPECT_TRUE(seen.otherWindowsWait);
   EXPECT_TRUE(IsWindowEnabled(window.handle()));
-}
-
-TEST(UserInterface, ShowForm_OfWhichThereIsNoneYet_IsError438) {
-  for (const platform::StringView form : {u"frmwizard", u"frmabout", u"none"})
-    EXPECT_EQ(testing_support::errorNumberOf([&] { userInterface().showForm(form, platform::FormModality::Modal); }),
-              438);
 }
 
 }  // namespace

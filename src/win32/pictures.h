@@ -1,0 +1,30 @@
+// The product's pictures, as the module's resources hold them: each in several sizes.
+#pragma once
+
+#include <deque>
+
+#include "addin/platform/text.h"
+#include "win32/dialog_look.h"
+
+namespace win32 {
+
+class Pictures {
+ public:
+  // Fills the height of `place` with the picture, at its right end or over its whole width, whichever is less. Nothing
+  // when the module has no picture of that name.
+  void draw(HDC dc, platform::StringView name, const RECT& place);
+
+ private:
+  struct Picture {
+    platform::String resource;
+    GdiObject<HBITMAP> bitmap;
+    SIZE size{};
+  };
+  // The smallest size that is no lower than `height`; else the largest.
+  const Picture* find(platform::StringView name, int height);
+  const Picture& load(const platform::String& resource);
+
+  std::deque<Picture> loaded_;  // those that are not there too; references stay valid
+};
+
+}  // namespace win32
