@@ -45,10 +45,10 @@ DialogLook::DialogLook(const LOGFONTW& font) : font_(CreateFontIndirectW(&font))
   unitY_ = size.cy;
 }
 
+// Edges that meet in dialog units meet in pixels.
 RECT DialogLook::pixels(const platform::Place& place) const {
-  const int left = MulDiv(place.left, unitX_, 4);
-  const int top = MulDiv(place.top, unitY_, 8);
-  return {left, top, left + MulDiv(place.width, unitX_, 4), top + MulDiv(place.height, unitY_, 8)};
+  return {MulDiv(place.left, unitX_, 4), MulDiv(place.top, unitY_, 8), MulDiv(place.left + place.width, unitX_, 4),
+          MulDiv(place.top + place.height, unitY_, 8)};
 }
 
 COLORREF colorOf(platform::Color color) {

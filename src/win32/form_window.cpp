@@ -169,11 +169,12 @@ void FormWindow::notice(Control& control, WORD code, HWND source) {
   }
 }
 
-// The keyboard would be dead while a control that was disabled or hidden has the focus.
+// The keyboard would be dead when the control that has the focus was disabled or hidden: some systems leave it there,
+// others leave it nowhere.
 void FormWindow::leaveUnusable() {
-  const HWND focus = window_ ? GetFocus() : nullptr;
-  if (!focus || (focus != window_ && !IsChild(window_, focus))) return;
-  if (focus != window_ && IsWindowEnabled(focus) && IsWindowVisible(focus)) return;
+  if (!window_ || GetActiveWindow() != window_) return;
+  const HWND focus = GetFocus();
+  if (focus && focus != window_ && IsWindowEnabled(focus) && IsWindowVisible(focus)) return;
   HWND next = nullptr;
   for (const Face& face : faces_)
     if (face.control->isDefault && face.control->IsUsable()) next = face.window;

@@ -9,6 +9,7 @@ namespace testing_support {
 namespace {
 
 constexpr const wchar_t* optionsKey = L"Software\\Microsoft\\Office\\9.0\\Outlook\\Options\\TextMessage";
+constexpr const wchar_t* installationKey = L"Software\\Marrick\\TextMessageAddIn";
 constexpr const wchar_t* debugKey = L"SOFTWARE\\Marrick\\DbgOut";
 
 std::string narrow(const std::wstring& text) { return {text.begin(), text.end()}; }  // ASCII paths and names
@@ -58,6 +59,7 @@ std::vector<std::string> registerProduct() {
   for (const wchar_t* const dll : {L"timermm.dll", L"mrktxtmsghelper.dll", L"sms_object.dll", L"mrktxtmsg.dll"})
     run(L"regsvr32 /s \"" + folder + L"\\" + dll + L"\"", "regsvr32 " + narrow(dll));
   run(L"\"" + folder + L"\\dvmworker.exe\" /RegServer", "dvmworker.exe /RegServer");
+  setText(HKEY_LOCAL_MACHINE, installationKey, L"SMSCPath", folder + L"\\smsc.txt");
   return done;
 }
 

@@ -9,7 +9,8 @@
 
 namespace testing_support {
 
-// Registers every server and the add-in, from the folder of the programs under test. The lines say what was done; a
+// Registers every server and the add-in, from the folder of the programs under test, and the sample list of service
+// centres. The lines say what was done; a
 // line that begins with "failed" says what was not.
 std::vector<std::string> registerProduct();
 

@@ -53,6 +53,7 @@ constinit Witness witness;
 [[noreturn]] void connectAndEnd() {
   OleInitialize(nullptr);
   const WizardNotDone wizardNotDone;
+  PostQuitMessage(0);  // closes the wizard
   auto* const application = new platform::Ref<HostApplication>(platform::make<HostApplication>());
   const auto addInInst = platform::make<HostAddInInst>();
   witness.inner = com::exported(application->get()->object()).detach();

@@ -7,7 +7,7 @@
 
 namespace addin_dll_tests {
 
-// Without this value the add-in wants to show its wizard at start-up, which is where these tests want it to stop.
+// Without this value the add-in shows its wizard at start-up.
 class WizardNotDone {
  public:
   WizardNotDone() {

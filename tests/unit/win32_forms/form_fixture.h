@@ -30,7 +30,9 @@ class FormFixture : public testing::Test {
  protected:
   static constexpr const char* optionsKey = "Software\\Microsoft\\Office\\9.0\\Outlook\\Options\\TextMessage";
 
-  FormFixture() {
+  explicit FormFixture(platform::UserInterface& ui = win32::system().ui)
+      : mixed_{native.time,  native.time, native.locale, native.registry, native.windows, native.shell, native.objects,
+               native.files, ui,          native.module} {
     platform::currentSystem = &mixed_;
     native.registry.setString(platform::rootLocalMachine, "Software\\Marrick\\TextMessageAddIn", "SMSCPath", "list");
     native.files.contents[u"list"] = "Choose one\r\nAs stored on the SIM card ()\r\nNorth (+123)\r\n";
@@ -86,8 +88,7 @@ class FormFixture : public testing::Test {
     EXPECT_TRUE(user.hasGone());
   }
 
-  platform::System mixed_{native.time,  native.time,    native.locale, native.registry,    native.windows,
-                          native.shell, native.objects, native.files,  win32::system().ui, native.module};
+  platform::System mixed_;
 };
 
 }  // namespace win32_tests

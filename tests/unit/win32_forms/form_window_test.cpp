@@ -148,7 +148,7 @@ TEST_F(FormWindow, Esc_IsCancelWhereverTheFocusIs) {
 
 TEST_F(FormWindow, Enter_OnTheAboutBox_ClosesIt) {
   const auto about = platform::make<addin::frmabout>();
-  for (const WORD key : {VK_RETURN, VK_ESCAPE, VK_SPACE}) {
+  for (const WORD key : {WORD{VK_RETURN}, WORD{VK_ESCAPE}, WORD{VK_SPACE}}) {
     modeless(*about, aboutTitle, [&](const DialogUser& user) {
       EXPECT_TRUE(user.waitForFocus(user.button(L"OK")));
       user.press(key);
@@ -159,12 +159,16 @@ TEST_F(FormWindow, Enter_OnTheAboutBox_ClosesIt) {
 }
 
 TEST_F(FormWindow, TwoModelessForms_EachHasItsOwnKeys) {
+  const auto pressEsc = [](const DialogUser& user) {
+    user.press(VK_ESCAPE);
+    EXPECT_TRUE(user.hasGone());
+  };
   const auto about = platform::make<addin::frmabout>();
   wizard->Show(FormModality::Modeless);
-  modeless(*about, aboutTitle, [&](const DialogUser& user) { user.press(VK_ESCAPE), EXPECT_TRUE(user.hasGone()); });
+  modeless(*about, aboutTitle, pressEsc);
   EXPECT_FALSE(about->IsLoaded());
   EXPECT_TRUE(wizard->IsLoaded());
-  modeless([](const DialogUser& user) { user.press(VK_ESCAPE), EXPECT_TRUE(user.hasGone()); });
+  modeless(pressEsc);
 }
 
 TEST_F(FormWindow, BackToTheFirstPage_GivesTheFocusToNext) {
@@ -283,10 +287,7 @@ TEST_F(FormWindow, List_AsLongAsItCanBeAndOneEntryOfTenMegabytes_OpensQuickly) {
 
 TEST_F(FormWindow, OwnerThatGoes_TakesTheDialogAndUnloadsTheForm) {
   for (const bool isModal : {true, false}) {
-    const auto owner = std::make_unique<TestWindow>([](UINT message, WPARAM, LPARAM) -> std::optional<LRESULT> {
-      if (message != WM_APP) return std::nullopt;
-      return 0;
-    });
+    const auto owner = std::make_unique<TestWindow>();
     ShowWindow(owner->handle(), SW_SHOW);
     SetActiveWindow(owner->handle());
     const HWND window = owner->handle();

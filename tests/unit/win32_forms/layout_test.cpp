@@ -1,15 +1,33 @@
 // Nothing is clipped and nothing lies upon another thing, in the fonts of all resolutions.
 
-#include <cmath>
-
 #include "form_fixture.h"
 #include "win32/form_window.h"
 
 namespace win32_tests {
 namespace {
 
+// Shows forms in a font of the test's choice.
+class FontedInterface final : public platform::UserInterface {
+ public:
+  std::int32_t messageBox(platform::StringView, std::int32_t, platform::StringView) override { return 0; }
+  bool showForm(Form& form, FormModality) override {
+    window = win32::FormWindow::open(form, nullptr, font).get()->handle();
+    ShowWindow(window, SW_SHOW);
+    return true;
+  }
+  LOGFONTW font{};
+  HWND window = nullptr;
+};
+
 class Layout : public FormFixture, public testing::WithParamInterface<int> {
  protected:
+  Layout() : FormFixture(interface_) { interface_.font = font(); }
+
+  HWND show(Form& form) {
+    form.Show(FormModality::Modeless);
+    return interface_.window;
+  }
+
   // The system's font, as it is at that resolution.
   static LOGFONTW font() {
     LOGFONTW font = win32::messageFont();
@@ -58,40 +76,42 @@ class Layout : public FormFixture, public testing::WithParamInterface<int> {
       RECT inside{};
       IntersectRect(&inside, &place, &client);
       EXPECT_TRUE(EqualRect(&inside, &place));
-      for (const RECT& other : places) EXPECT_FALSE(IntersectRect(&inside, &place, &other));
+      for (const RECT& other : places)
+        EXPECT_FALSE(IntersectRect(&inside, &place, &other))
+            << utf8(reinterpret_cast<const char16_t*>(DialogUser::textOf(child).c_str())) << " at " << place.left
+            << ", " << place.top << " upon " << other.left << ", " << other.top;
       places.push_back(place);
     }
   }
+
+ private:
+  FontedInterface interface_;
 };
 
 TEST_P(Layout, Wizard_EveryPage) {
   setOption("My_FullName", "Anna");
   setOption("My_PhoneNo", "+46");
-  const auto opened = win32::FormWindow::open(*wizard, nullptr, font());
-  wizard->Show(FormModality::Modeless);
+  const HWND dialog = show(*wizard);
   for (int page = 1; page <= 4; ++page) {
     SCOPED_TRACE(page);
-    expectTidy(opened.get()->handle());
+    expectTidy(dialog);
     if (page < 4) wizard->Find(u"btnNext")->userClicks();
   }
 }
 
 TEST_P(Layout, About) {
   const auto about = platform::make<addin::frmabout>();
-  const auto opened = win32::FormWindow::open(*about, nullptr, font());
-  about->Show(FormModality::Modeless);
-  expectTidy(opened.get()->handle());
+  expectTidy(show(*about));
   about->Unload();
 }
 
 TEST_P(Layout, GrowsWithTheFont) {
-  const auto opened = win32::FormWindow::open(*wizard, nullptr, font());
-  wizard->Show(FormModality::Modeless);
   RECT client{};
-  GetClientRect(opened.get()->handle(), &client);
+  GetClientRect(show(*wizard), &client);
   // Dialog units are rounded to whole pixels of a character, so the growth is not quite that of the font.
-  EXPECT_NEAR(client.right, 462.0 * GetParam() / 96, 70);
-  EXPECT_NEAR(client.bottom, 335.0 * GetParam() / 96, 50);
+  const double scale = GetParam() / 96.0;
+  EXPECT_NEAR(client.right, 462 * scale, 70 * scale);
+  EXPECT_NEAR(client.bottom, 335 * scale, 50 * scale);
 }
 
 INSTANTIATE_TEST_SUITE_P(Resolutions, Layout, testing::Values(96, 120, 144));
