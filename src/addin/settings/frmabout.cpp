@@ -7,7 +7,7 @@
 namespace addin {
 namespace {
 
-constexpr std::int32_t formWidth = 250;  // dialog units
+constexpr std::int32_t formWidth = 270;  // dialog units
 constexpr std::int32_t bannerHeight = 32;
 constexpr std::int32_t margin = 12;
 constexpr std::int32_t textWidth = formWidth - 2 * margin;
@@ -29,7 +29,7 @@ frmabout::frmabout() : Form(u"frmabout") {
   frameTop.place = {0, 0, formWidth, bannerHeight};
   frameTop.BackColor(colorWhite);
   frameTop.picture = u"banner";
-  design(lblTopTitle, title, {10, 11, 180, 10});
+  design(lblTopTitle, title, {10, 11, 176, 10});  // beside the banner's picture
   lblTopTitle.BackColor(colorWhite);
   lblTopTitle.bold = true;
   design(lblTitle, title, {margin, 44, textWidth, 10});

@@ -46,7 +46,7 @@ void frmwizard::Design() {
   frameTop.place = {0, 0, formWidth, bannerHeight};
   frameTop.BackColor(colorWhite);
   frameTop.picture = u"banner";
-  design(lblTitle, title, {10, 11, 230, 10});
+  design(lblTitle, title, {10, 11, 214, 10});  // beside the banner's picture
   lblTitle.BackColor(colorWhite);
   lblTitle.bold = true;
   lblTitle.noMnemonic = true;
