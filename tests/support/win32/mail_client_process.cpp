@@ -62,6 +62,11 @@ class MailClientProcess::Pipes {
     waitForEnd(5000);
   }
   DWORD id() const { return id_; }
+  DWORD exitCode() const {
+    DWORD code = 0;
+    GetExitCodeProcess(process_.get(), &code);
+    return code;
+  }
 
   void write(const std::string& line) {
     DWORD written = 0;
@@ -152,6 +157,8 @@ MailClientProcess::~MailClientProcess() = default;
 
 bool MailClientProcess::isRunning() const { return pipes_->isRunning(); }
 std::uint32_t MailClientProcess::processId() const { return pipes_->id(); }
+std::uint32_t MailClientProcess::exitCode() const { return pipes_->exitCode(); }
+bool MailClientProcess::waitForEnd(std::uint32_t milliseconds) const { return pipes_->waitForEnd(milliseconds); }
 void MailClientProcess::kill() { pipes_->kill(); }
 
 int MailClientProcess::send(std::string_view command) {
@@ -184,7 +191,7 @@ Answer MailClientProcess::answerTo(int number, std::uint32_t milliseconds) {
 
 bool MailClientProcess::quit(std::uint32_t milliseconds) {
   send("quit");
-  return pipes_->waitForEnd(milliseconds);
+  return waitForEnd(milliseconds);
 }
 
 std::string MailClientProcess::field(const std::string& line, const std::string& name) {
