@@ -17,6 +17,8 @@ constexpr const wchar_t* writerKey = L"SOFTWARE\\Marrick\\DbgOut\\mrktxtmsg";
 constexpr const wchar_t* timerKey = L"Software\\Marrick\\timermm";
 constexpr const wchar_t* workerKey = L"Software\\Marrick\\DVMWorker";
 
+constexpr const wchar_t* addInKey = L"Software\\Microsoft\\Office\\Outlook\\Addins\\mrktxtmsg.connect";
+
 constexpr const wchar_t* dlls[] = {L"timermm.dll", L"mrktxtmsghelper.dll", L"sms_object.dll", L"mrktxtmsg.dll"};
 constexpr const wchar_t* workerFile = L"dvmworker.exe";
 
@@ -88,6 +90,7 @@ std::vector<std::string> unregisterProduct() {
   return done;
 }
 
+void setLoadBehavior(std::uint32_t number) { setNumber(HKEY_CURRENT_USER, addInKey, L"LoadBehavior", number); }
 void setOption(const wchar_t* name, std::uint32_t number) { setNumber(HKEY_CURRENT_USER, optionsKey, name, number); }
 void setOption(const wchar_t* name, const wchar_t* text) { setText(HKEY_CURRENT_USER, optionsKey, name, text); }
 void setOption(const wchar_t* name, std::uint32_t type, const std::vector<std::byte>& data) {
@@ -151,7 +154,7 @@ class SavedSettings::Key {
 };
 
 SavedSettings::SavedSettings() {
-  for (const wchar_t* const path : {optionsKey, timerKey, workerKey})
+  for (const wchar_t* const path : {optionsKey, timerKey, workerKey, addInKey})
     keys_.push_back(std::make_unique<Key>(HKEY_CURRENT_USER, path));
   for (const wchar_t* const path : {debugKey, writerKey})
     keys_.push_back(std::make_unique<Key>(HKEY_LOCAL_MACHINE, path));

@@ -20,6 +20,9 @@ std::vector<std::string> unregisterProduct();
 bool registerServer(const std::wstring& file);
 bool unregisterServer(const std::wstring& file);
 
+// What a mail client remembers of the add-in: 3 loads it at the next start, 2 does not.
+void setLoadBehavior(std::uint32_t number);
+
 // Values under the add-in's Options key of the present user.
 void setOption(const wchar_t* name, std::uint32_t number);
 void setOption(const wchar_t* name, const wchar_t* text);

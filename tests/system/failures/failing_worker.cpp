@@ -1,5 +1,6 @@
 #include "failing_worker.h"
 
+#include <atomic>
 #include <string>
 #include <vector>
 

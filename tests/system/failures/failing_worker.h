@@ -1,7 +1,7 @@
 // A phone-connection worker whose calls fail, in place of dvmworker.exe: this program serves it to other processes.
 #pragma once
 
-#include <atomic>
+#include <cstdint>
 #include <memory>
 
 namespace failures_tests {

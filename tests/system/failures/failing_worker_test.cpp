@@ -118,12 +118,12 @@ TEST_F(FailingCalls, OfTheSimCheck_ShowTheWarning) {
   const int click = client_->send(sendReceive);
   ASSERT_TRUE(testing_support::closeWindow(L"Marrick Text Message Add-In For Outlook", patience));
   EXPECT_EQ(client_->answerTo(click, patience).result, "clicked");
-  EXPECT_EQ(traced(from), failedReceive() + Lines{"Error: 1, Error during Receive All, SendAndReceive"} +
-                              sendTimerArmed() +
-                              Lines{"Check in the registry if a warning should be displayed, if the SIM card is full",
-                                    "Show warning - SIM card is full", "Inside Function isSimFull", failedCall,
-                                    "simWarning <> 0, localize SIM Full strings"} +
-                              noLocalizer + Lines{"Show message SIM card is full"});
+  EXPECT_EQ(traced(from),
+            (failedReceive() + Lines{"Error: 1, Error during Receive All, SendAndReceive"} + sendTimerArmed() +
+             Lines{"Check in the registry if a warning should be displayed, if the SIM card is full",
+                   "Show warning - SIM card is full", "Inside Function isSimFull", failedCall,
+                   "simWarning <> 0, localize SIM Full strings"} +
+             noLocalizer + Lines{"Show message SIM card is full"}));
   EXPECT_EQ(items(), Lines{});
 }
 

@@ -45,9 +45,9 @@ TEST_F(KilledWorker, WhileListing_TimesOutAndLosesAndDoublesNothing) {
   expectAnswers();
   EXPECT_EQ(items(), (Lines{"Inbox: One", "Inbox: Two"}));
   EXPECT_EQ(client_->answerTo(click, patience).result, "clicked");
-  EXPECT_EQ(traced(killed), Lines{"Error:6, Operation Timed Out, ListMessage"} + storeListed("SIM", false) +
-                                Lines{"Error:3, Error during ListMessage, Store:2, ReceiveAll", receiveFailed} +
-                                refusedSend);
+  EXPECT_EQ(traced(killed),
+            (Lines{"Error:6, Operation Timed Out, ListMessage"} + storeListed("SIM", false) +
+             Lines{"Error:3, Error during ListMessage, Store:2, ReceiveAll", receiveFailed} + refusedSend));
   connectAgain();
   clickSendReceive();
   EXPECT_EQ(items(), (Lines{"Inbox: One", "Inbox: Two", "Inbox: Three"}));
@@ -95,9 +95,9 @@ TEST_F(KilledWorker, WhileDeleting_WaitsWithoutHangingUntilTheAddInIsDisconnecte
   disconnectAddIn();
   EXPECT_EQ(client_->answerTo(click, patience).result, "clicked");
   EXPECT_EQ(traced(from),
-            disconnectedByUserLines() + Lines{"DeleteSMSFromPhone = False", "Delete from SIM - index = 1", serverIsGone,
-                                              receiveFailed,
-                                              "Error:91, Object variable or With block variable not set, mrktxtmsg"});
+            (disconnectedByUserLines() + Lines{"DeleteSMSFromPhone = False", "Delete from SIM - index = 1",
+                                               serverIsGone, receiveFailed,
+                                               "Error:91, Object variable or With block variable not set, mrktxtmsg"}));
   EXPECT_EQ(references(), 0u);
   EXPECT_EQ(items(), Lines{"Inbox: Read and gone"});
 
@@ -114,19 +114,19 @@ TEST_F(KilledWorker, WhileIdle_FailsTheNextCommandAndTheNextMessage) {
   killWorker();
   std::size_t from = mark();
   clickSendReceive();
-  EXPECT_EQ(traced(from), Lines({"Inside Function ReceiveAll", "Create m_smsToDelete collection",
-                                 "Inside ReceiveAll Function - m_bReceiveAll = True", serverIsGone}) +
-                              storeListed("ME", false) +
-                              Lines{"Error:3, Error during ListMessage, Store:1, ReceiveAll", receiveFailed} +
-                              sendTimerArmed() +
-                              Lines{"Check in the registry if a warning should be displayed, if the SIM card is full",
-                                    "Don't show warning - SIM card is full: 0"});
+  EXPECT_EQ(traced(from),
+            (Lines({"Inside Function ReceiveAll", "Create m_smsToDelete collection",
+                    "Inside ReceiveAll Function - m_bReceiveAll = True", serverIsGone}) +
+             storeListed("ME", false) + Lines{"Error:3, Error during ListMessage, Store:1, ReceiveAll", receiveFailed} +
+             sendTimerArmed() +
+             Lines{"Check in the registry if a warning should be displayed, if the SIM card is full",
+                   "Don't show warning - SIM card is full: 0"}));
   from = mark();
   compose(addressOfBo, "Later");
   ASSERT_TRUE(waitForTrace("Failed count:", from));
   EXPECT_EQ(traced(from),
-            Lines{"m_objOutboxItems_ItemAdd, trigger a sendall"} + sendTimerArmed() +
-                Lines{"m_objTimer_Timer: #", "Inside Function SendMessage", serverIsGone, "Failed count:0"});
+            (Lines{"m_objOutboxItems_ItemAdd, trigger a sendall"} + sendTimerArmed() +
+             Lines{"m_objTimer_Timer: #", "Inside Function SendMessage", serverIsGone, "Failed count:0"}));
   EXPECT_EQ(items(), Lines{"Outbox: Later"});
   connectAgain();
   clickSendReceive();

@@ -37,9 +37,9 @@ TEST_F(MissingServer, Timer_StartsWithoutEngineAndPolling) {
   startHandset();
   const Missing missing(L"timermm.dll");
   startClient();
-  EXPECT_EQ(traced(0), connectingLines(Start::OfTheMailClient) +
-                           Lines{"Inside Function InitCAPIObjects", "Create timer", cannotCreate} + noLocalizer +
-                           Lines{cannotCreate} + failedStart + Lines{"OnStartupComplete"});
+  EXPECT_EQ(traced(0), (connectingLines(Start::OfTheMailClient) +
+                        Lines{"Inside Function InitCAPIObjects", "Create timer", cannotCreate} + noLocalizer +
+                        Lines{cannotCreate} + failedStart + Lines{"OnStartupComplete"}));
   EXPECT_EQ(ask("form").lines, Lines{}) << "publishing the form comes after the timer";
   expectMessageWaits();
   const std::size_t from = mark();
@@ -54,10 +54,10 @@ TEST_F(MissingServer, ItemHelper_StartsWithoutAPhone) {
   startHandset();
   const Missing missing(L"mrktxtmsghelper.dll");
   startClient();
-  EXPECT_EQ(traced(0), connectingLines(Start::OfTheMailClient) +
-                           Lines{"Inside Function InitCAPIObjects", "Create timer", "Create timeout object",
-                                 "Create transaction collection", "Create MAPI helper object", cannotCreate} +
-                           noLocalizer + Lines{"OnStartupComplete"});
+  EXPECT_EQ(traced(0), (connectingLines(Start::OfTheMailClient) +
+                        Lines{"Inside Function InitCAPIObjects", "Create timer", "Create timeout object",
+                              "Create transaction collection", "Create MAPI helper object", cannotCreate} +
+                        noLocalizer + Lines{"OnStartupComplete"}));
   EXPECT_EQ(ask("form").lines.size(), 1u);
   expectMessageWaits();
 }
@@ -65,10 +65,10 @@ TEST_F(MissingServer, ItemHelper_StartsWithoutAPhone) {
 TEST_F(MissingServer, PhoneWorker_CountsAsAMachineWithoutAPhone) {
   const Missing missing(L"dvmworker.exe");
   startClient();
-  EXPECT_EQ(traced(0), connectingLines(Start::OfTheMailClient) +
-                           Lines{"Inside Function InitCAPIObjects", "Create timer", "Create timeout object",
-                                 "Create transaction collection", "Create MAPI helper object", "Create CAPI objects"} +
-                           noLocalizer + Lines{"OnStartupComplete"});
+  EXPECT_EQ(traced(0), (connectingLines(Start::OfTheMailClient) +
+                        Lines{"Inside Function InitCAPIObjects", "Create timer", "Create timeout object",
+                              "Create transaction collection", "Create MAPI helper object", "Create CAPI objects"} +
+                        noLocalizer + Lines{"OnStartupComplete"}));
   EXPECT_EQ(ask("form").lines.size(), 1u);
   expectMessageWaits();
 }

@@ -121,6 +121,7 @@ std::string shortened(const std::string& body) {
 ProductTest::ProductTest() : folder_(freshFolder()) {
   OleInitialize(nullptr);
   endWorker();
+  setLoadBehavior(3);  // a user who has disconnected the add-in would not get it at the next start
   removeAllOptions();
   setOption(L"WizardDone", 1);
   setOption(L"SendReceive_UseAuto", 0u);
@@ -151,7 +152,7 @@ void ProductTest::TearDown() {
   const Answer status = ask("status");
   ASSERT_TRUE(status.ok) << "the mail client hangs";
   const auto connected = std::find(status.lines.begin(), status.lines.end(), "add-in mrktxtmsg.connect connected");
-  if (connected != status.lines.end()) disconnectAddIn();
+  if (connected != status.lines.end()) letGoOfAddIn();
   const Answer left = ask("references");
   EXPECT_EQ(left.result, "0");
   EXPECT_EQ(left.lines, Lines{});
@@ -177,7 +178,7 @@ void ProductTest::startClient(const std::wstring& arguments) {
 }
 
 void ProductTest::restartClient(const std::wstring& arguments) {
-  disconnectAddIn();
+  letGoOfAddIn();
   EXPECT_EQ(ask("references").result, "0");
   ASSERT_TRUE(client_->quit(patience));
   startClient(arguments);

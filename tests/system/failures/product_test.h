@@ -53,6 +53,8 @@ class ProductTest : public testing::Test {
   void compose(const std::string& to, const std::string& body);
   void connectAddIn() { EXPECT_TRUE(ask("connect mrktxtmsg.connect").ok); }
   void disconnectAddIn() { EXPECT_TRUE(ask("disconnect mrktxtmsg.connect").ok); }
+  // As when the mail client ends: it loads the add-in at its next start.
+  void letGoOfAddIn() { EXPECT_TRUE(ask("disconnect mrktxtmsg.connect 0").ok); }
   void clickSendReceive() { EXPECT_EQ(ask(sendReceive).result, "clicked"); }
   bool isSendReceiveEnabled();
   // Whether the folder has this many items, now or soon.

@@ -123,11 +123,11 @@ TEST_F(Settings, OfNoUsableTypeOrSize_ReadAsMissing) {
                               u'0', u'8', u'0', u'0', u'0', static_cast<char16_t>(u'0' + round)};
     const std::string text = "Message " + std::to_string(round);
     deliver(text, time);
-    EXPECT_EQ(clickTrace(), receivedOne(Lines{"Delete from SIM when displayed in Inbox:0"} + messageChecked(round, 0) +
-                                            Lines{"CreateMessage:#"},
-                                        messageMoved()) +
-                                nothingToDelete + sendTimerArmed() +
-                                Lines{checksTheSetting, "Show warning - SIM card is full"} + simChecked(1, 20));
+    EXPECT_EQ(clickTrace(), (receivedOne(Lines{"Delete from SIM when displayed in Inbox:0"} + messageChecked(round, 0) +
+                                             Lines{"CreateMessage:#"},
+                                         messageMoved()) +
+                             nothingToDelete + sendTimerArmed() +
+                             Lines{checksTheSetting, "Show warning - SIM card is full"} + simChecked(1, 20)));
     EXPECT_EQ(field("Inbox", "to", round), "");
     EXPECT_EQ(field("Inbox", "topic", round), "\\u0001" + testing_support::utf8(time));
     EXPECT_EQ(sendTrace("Answer"), Lines{"m_objOutboxItems_ItemAdd, trigger a sendall"} + sendTimerArmed() +
@@ -150,7 +150,7 @@ TEST_F(Settings, OfOddLengthOrOtherType_ReadAsWhatTheySay) {
   setOption(L"My_FullName", REG_DWORD, bytes({42, 0, 0, 0}));
   setOption(L"My_PhoneNo", REG_SZ, textBytes(L"+46700000001", End::WithoutNul));
   setOption(L"SCAddress", REG_SZ, textBytes(L"Somebody (+46701)", End::WithoutNul));
-  setOption(L"SCAddress_UseOwn", REG_SZ, textBytes(L" &H1 "));
+  setOption(L"SCAddress_UseOwn", REG_SZ, textBytes(L" 1 "));
   Bytes oddSize = textBytes(L"(+46 702)", End::WithoutNul);
   oddSize.push_back(std::byte{'x'});
   setOption(L"SCAddress_Own", REG_SZ, oddSize);
@@ -161,16 +161,16 @@ TEST_F(Settings, OfOddLengthOrOtherType_ReadAsWhatTheySay) {
                       "instaed to delete the SMS, put it in the m_smsToDeleteCollection"};
   EXPECT_EQ(
       clickTrace(),
-      receivedOne(Lines{"Delete from SIM when displayed in Inbox:1"} + messageChecked(0, 0) + Lines{"CreateMessage:#"} +
-                      removed,
-                  messageMoved()) +
-          Lines{"Go through collection and delete SMSs from the SIM card", "The number of the SMSs in collection = 1",
-                "Delete SMS - IsStorageSupported = True", "Inside Function DeleteSMSFromPhone",
-                "DeleteSMSFromPhone - IsStorageSupported = True", "Delete SMS in phone: transaction id: #",
-                "m_objSMS_OnNotifyResponse - TransID:#, Status:0, State:3", "disablar guard timer",
-                "STATE_DELETE - Response from delete SMS: # status: 0", "DeleteSMSFromPhone = True",
-                "Delete from SIM - index = 1", "Delete from SIM - storage = 2", "Clear the m_smsToDelete collection"} +
-          sendTimerArmed() + Lines{checksTheSetting, "Don't show warning - SIM card is full: 0"});
+      (receivedOne(Lines{"Delete from SIM when displayed in Inbox:1"} + messageChecked(0, 0) +
+                       Lines{"CreateMessage:#"} + removed,
+                   messageMoved()) +
+       Lines{"Go through collection and delete SMSs from the SIM card", "The number of the SMSs in collection = 1",
+             "Delete SMS - IsStorageSupported = True", "Inside Function DeleteSMSFromPhone",
+             "DeleteSMSFromPhone - IsStorageSupported = True", "Delete SMS in phone: transaction id: #",
+             "m_objSMS_OnNotifyResponse - TransID:#, Status:0, State:3", "disablar guard timer",
+             "STATE_DELETE - Response from delete SMS: # status: 0", "DeleteSMSFromPhone = True",
+             "Delete from SIM - index = 1", "Delete from SIM - storage = 2", "Clear the m_smsToDelete collection"} +
+       sendTimerArmed() + Lines{checksTheSetting, "Don't show warning - SIM card is full: 0"}));
   EXPECT_EQ(handset_.StoredCount(sim), 0);
   EXPECT_EQ(field("Inbox", "to"), "42 [+46700000001]");
   sendTrace("Answer");
@@ -215,11 +215,11 @@ TEST_F(Settings, AutoRemoveThatIsNoNumber_LeavesTheMessageOnThePhone) {
     setOption(L"SendReceive_AutoRemove", text.c_str());
     connectAddIn();
     deliver("Not lost", u"261120080000");
-    EXPECT_EQ(clickTrace(), receivedOne(Lines{error}, Lines{"CreateMessage called - message will be created in outbox",
-                                                            "Return from CreateMessage call - strEntryId = ",
-                                                            "Check if message lengt is larger than 0"}) +
-                                nothingToDelete + sendTimerArmed() +
-                                Lines{checksTheSetting, "Show warning - SIM card is full"} + simChecked(1, 20));
+    EXPECT_EQ(clickTrace(), (receivedOne(Lines{error}, Lines{"CreateMessage called - message will be created in outbox",
+                                                             "Return from CreateMessage call - strEntryId = ",
+                                                             "Check if message lengt is larger than 0"}) +
+                             nothingToDelete + sendTimerArmed() +
+                             Lines{checksTheSetting, "Show warning - SIM card is full"} + simChecked(1, 20)));
     EXPECT_EQ(items(), Lines{});
     EXPECT_EQ(handset_.StoredCount(sim), 1);
     disconnectAddIn();
@@ -234,7 +234,7 @@ TEST_F(Settings, NumbersOfTheCommandThatAreNone_EndWhatAsksForThem) {
   connectAddIn();
   setOption(L"Sim_Full_Warning", L"often");
   EXPECT_EQ(clickTrace(),
-            receivedNothing(true) + sendTimerArmed() + Lines{checksTheSetting, "Error:13, Type mismatch, mrktxtmsg"});
+            (receivedNothing(true) + sendTimerArmed() + Lines{checksTheSetting, "Error:13, Type mismatch, mrktxtmsg"}));
   removeOption(L"Sim_Full_Warning");
 
   setOption(L"SCAddress", L"Somebody (+46701)");
