@@ -171,16 +171,13 @@ TraceLog::TraceLog(std::wstring file) : file_(std::move(file)) {
   setNumber(HKEY_LOCAL_MACHINE, writerKey, L"Level", 2);
 }
 
+// Not by closing its window: without a window manager, Wine takes two seconds to destroy a minimised one. The file is
+// complete after each line.
 TraceLog::~TraceLog() {
   if (const HWND viewer = findViewer()) {
     DWORD id = 0;
     GetWindowThreadProcessId(viewer, &id);
-    const HANDLE process = OpenProcess(SYNCHRONIZE, FALSE, id);
-    PostMessageW(viewer, WM_CLOSE, 0, 0);
-    if (process) {
-      WaitForSingleObject(process, 10000);
-      CloseHandle(process);
-    }
+    killProcess(id);
   }
   removeValue(HKEY_LOCAL_MACHINE, debugKey, L"Enabled");
   removeValue(HKEY_LOCAL_MACHINE, debugKey, L"Path");

@@ -98,7 +98,7 @@ TEST_F(KilledWorker, WhileDeleting_WaitsWithoutHangingUntilTheAddInIsDisconnecte
             (disconnectedByUserLines() + Lines{"DeleteSMSFromPhone = False", "Delete from SIM - index = 1",
                                                serverIsGone, receiveFailed,
                                                "Error:91, Object variable or With block variable not set, mrktxtmsg"}));
-  EXPECT_EQ(references(), 0u);
+  EXPECT_EQ(references(), Lines{});
   EXPECT_EQ(items(), Lines{"Inbox: Read and gone"});
 
   connectAddIn();
@@ -106,6 +106,18 @@ TEST_F(KilledWorker, WhileDeleting_WaitsWithoutHangingUntilTheAddInIsDisconnecte
   EXPECT_EQ(handset_.StoredCount(sim), 1) << "the request was never carried out";
   clickSendReceive();
   EXPECT_EQ(items(), Lines{"Inbox: Read and gone"});
+}
+
+// Each of them leaves a worker on offer that nobody has asked for.
+TEST_F(KilledWorker, ThreeInARow_DoNotKeepTheNextOneFromServing) {
+  disconnectAddIn();
+  for (int i = 0; i < 3; ++i) {
+    killWorker();
+    restartHandset();
+  }
+  const std::size_t from = mark();
+  connectAddIn();
+  EXPECT_EQ(traced(from), startLines(Start::ByTheUser));
 }
 
 // The add-in is not told. It finds out when it asks.

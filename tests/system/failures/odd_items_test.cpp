@@ -18,8 +18,9 @@ class OddItems : public ProductTest {
   // As another program would leave it there. Texts in the form of the store's headers: a blank is "_".
   void writeItem(const char* name, const std::string& entryId, const std::string& topic,
                  const std::string& body) const {
-    const std::filesystem::path folder = std::filesystem::path(store()) / ".Outbox" / "cur";
-    std::filesystem::create_directories(folder);
+    const std::filesystem::path outbox = std::filesystem::path(store()) / ".Outbox";
+    for (const char* const part : {"tmp", "new", "cur"}) std::filesystem::create_directories(outbox / part);
+    const std::filesystem::path folder = outbox / "cur";
     std::ofstream(folder / (std::string("1700000000.") + name + ";2,"), std::ios::binary)
         << "Subject: x\r\nX-Mailclient-Version: 1\r\nX-Mailclient-EntryID: " << entryId
         << "\r\nX-Mailclient-MessageClass: IPM.Note.TxtMsg\r\nX-Mailclient-ConversationTopic: " << topic << "\r\n\r\n"

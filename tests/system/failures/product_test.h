@@ -59,7 +59,8 @@ class ProductTest : public testing::Test {
   bool isSendReceiveEnabled();
   // Whether the folder has this many items, now or soon.
   bool waitForItems(const std::string& folder, std::size_t count);
-  std::size_t references() { return static_cast<std::size_t>(std::stoul(ask("references").result)); }
+  // The mail client's objects that somebody still holds, by class.
+  Lines references() { return ask("references").lines; }
 
   // Every item of the mail folders, as "Inbox: body", folder by folder. A long body as its beginning and its length.
   Lines items();

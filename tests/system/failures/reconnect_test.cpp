@@ -16,8 +16,7 @@ TEST_F(Reconnect, TwentyTimes_LeavesNoReferenceNoButtonAndNoListenerBehind) {
     std::size_t from = mark();
     disconnectAddIn();
     ASSERT_EQ(traced(from), disconnectedByUserLines());
-    const Answer left = ask("references");
-    ASSERT_EQ(left.lines, Lines{});
+    ASSERT_EQ(references(), Lines{});
     ASSERT_EQ(ask("buttons").lines, Lines{});
     from = mark();
     connectAddIn();
