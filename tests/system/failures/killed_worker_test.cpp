@@ -94,10 +94,9 @@ TEST_F(KilledWorker, WhileDeleting_WaitsWithoutHangingUntilTheAddInIsDisconnecte
   EXPECT_EQ(traced(from), Lines{});
   disconnectAddIn();
   EXPECT_EQ(client_->answerTo(click, patience).result, "clicked");
-  EXPECT_EQ(traced(from),
-            (disconnectedByUserLines() + Lines{"DeleteSMSFromPhone = False", "Delete from SIM - index = 1",
-                                               serverIsGone, receiveFailed,
-                                               "Error:91, Object variable or With block variable not set, mrktxtmsg"}));
+  EXPECT_EQ(traced(from), (disconnectedByUserLines() +
+                           Lines{"DeleteSMSFromPhone = False", "Delete from SIM - index = 1", serverIsGone,
+                                 "Error:91, Object variable or With block variable not set, mrktxtmsg"}));
   EXPECT_EQ(references(), Lines{});
   EXPECT_EQ(items(), Lines{"Inbox: Read and gone"});
 
@@ -114,6 +113,7 @@ TEST_F(KilledWorker, ThreeInARow_DoNotKeepTheNextOneFromServing) {
   for (int i = 0; i < 3; ++i) {
     killWorker();
     restartHandset();
+    std::printf("@@ %d\n", i);
   }
   const std::size_t from = mark();
   connectAddIn();
