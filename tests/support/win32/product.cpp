@@ -237,7 +237,7 @@ bool TraceLog::waitFor(const std::string& text, std::size_t from, std::uint32_t 
 
 Handset Handset::connect() {
   com::Ptr<IDispatch> dispatch;
-  if (HRESULT hr=com::createObject(com::iidOf(servers::dvmworker::clsidHandset), dispatch); FAILED(hr)) {std::printf("@@ %lx\n",hr);platform::raiseError(429);}
+  if (FAILED(com::createObject(com::iidOf(servers::dvmworker::clsidHandset), dispatch))) platform::raiseError(429);
   return platform::as<Handset>(com::import(dispatch.get()));
 }
 

@@ -113,7 +113,6 @@ TEST_F(KilledWorker, ThreeInARow_DoNotKeepTheNextOneFromServing) {
   for (int i = 0; i < 3; ++i) {
     killWorker();
     restartHandset();
-    std::printf("@@ %d\n", i);
   }
   const std::size_t from = mark();
   connectAddIn();

@@ -133,8 +133,8 @@ ProductTest::ProductTest() : folder_(freshFolder()) {
 ProductTest::~ProductTest() {
   handset_ = nullptr;
   endWorker();
-  trace_ = nullptr;  // the viewer has the mail client's standard output, and keeps it open
   client_ = nullptr;
+  trace_ = nullptr;
   removeFolder(folder_);
   OleUninitialize();
 }
