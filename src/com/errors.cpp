@@ -24,21 +24,11 @@ struct Meaning {
 };
 
 constexpr std::array meanings{
-    Meaning{DISP_E_UNKNOWNINTERFACE, 438},
-    Meaning{DISP_E_MEMBERNOTFOUND, 438},
-    Meaning{DISP_E_PARAMNOTFOUND, 448},
-    Meaning{DISP_E_TYPEMISMATCH, 13},
-    Meaning{DISP_E_UNKNOWNNAME, 438},
-    Meaning{DISP_E_NONAMEDARGS, 446},
-    Meaning{DISP_E_BADVARTYPE, 458},
-    Meaning{DISP_E_OVERFLOW, 6},
-    Meaning{DISP_E_BADINDEX, 9},
-    Meaning{DISP_E_BADPARAMCOUNT, 450},
-    Meaning{DISP_E_PARAMNOTOPTIONAL, 449},
-    Meaning{E_OUTOFMEMORY, 7},
-    Meaning{REGDB_E_CLASSNOTREG, 429},
+    Meaning{DISP_E_UNKNOWNINTERFACE, 438}, Meaning{DISP_E_MEMBERNOTFOUND, 438},   Meaning{DISP_E_PARAMNOTFOUND, 448},
+    Meaning{DISP_E_TYPEMISMATCH, 13},      Meaning{DISP_E_UNKNOWNNAME, 438},      Meaning{DISP_E_NONAMEDARGS, 446},
+    Meaning{DISP_E_BADVARTYPE, 458},       Meaning{DISP_E_OVERFLOW, 6},           Meaning{DISP_E_BADINDEX, 9},
+    Meaning{DISP_E_BADPARAMCOUNT, 450},    Meaning{DISP_E_PARAMNOTOPTIONAL, 449}, Meaning{REGDB_E_CLASSNOTREG, 429},
     Meaning{CO_E_CLASSSTRING, 429},
-    Meaning{static_cast<HRESULT>(0x800706BA), 462},  // RPC_S_SERVER_UNAVAILABLE
 };
 
 std::int32_t numberOf(HRESULT failure) {

@@ -9,15 +9,11 @@ using platform::ErrorCode;
 using platform::Null;
 using platform::Object;
 using platform::Opaque;
+using platform::Overload;
 using platform::raiseError;
 using platform::Ref;
 using platform::String;
 using platform::Variant;
-
-template <class... F>
-struct Overload : F... {
-  using F::operator()...;
-};
 
 // US English, as everywhere where a value changes its type.
 constexpr LCID englishUs = 0x0409;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <fstream>
 #include <iterator>
 #include <random>
@@ -205,7 +206,7 @@ void Maildir::noteArrival(const std::string& base) {
 std::string Maildir::freshBase(const Message& message, const fs::path& folder) {
   constexpr double daysTo1970 = 25569;
   const double seconds = (environment_->utcNow().days - daysTo1970) * 86400;
-  const auto now = seconds > 0 ? static_cast<std::uint64_t>(seconds + 0.5) : 0;
+  const auto now = seconds > 0 ? static_cast<std::uint64_t>(std::llround(seconds)) : 0;
   const String tail = message.entryId.substr(message.entryId.size() - std::min<std::size_t>(8, message.entryId.size()));
   std::string item;
   for (const char16_t c : tail)

@@ -13,7 +13,7 @@ office::CommandBarButton AddCommandBarButton(StringView ProgId, const office::Co
                       if (!control)
                         control = Bar.Controls().Add(office::msoControlButton, missing, Tag, missing, missing);
                     });
-  const auto button = as<office::CommandBarButton>(control);
+  auto button = as<office::CommandBarButton>(control);
   onErrorResumeNext([&] { button.Caption(Caption); }, [&] { button.Tag(Tag); },
                     [&] {
                       if (Style != office::msoButtonCaption) button.FaceId(FaceId);

@@ -12,11 +12,6 @@
 namespace platform {
 namespace {
 
-template <class... F>
-struct Overload : F... {
-  using F::operator()...;
-};
-
 // The value that a conversion works on: behind by-reference arguments and default members.
 class Resolved {
  public:

@@ -16,6 +16,14 @@
 
 namespace platform {
 
+// One callable made of several, for std::visit. The guide is for compilers that do not find it themselves.
+template <class... F>
+struct Overload : F... {
+  using F::operator()...;
+};
+template <class... F>
+Overload(F...) -> Overload<F...>;
+
 class Variant;
 using Args = std::span<Variant>;
 

@@ -68,7 +68,8 @@ class WithEvents {
   WithEvents(const WithEvents&) = delete;
 
   WithEvents& operator=(const T& object) {
-    const T incoming = object;                                               // `object` may be this very field's
+    // A copy, because `object` may be this very field's.
+    const T incoming = object;
     Ref<Counted> fresh = incoming ? subscribeTo(incoming) : Ref<Counted>();  // a failure leaves the field as it was
     subscription_ = std::move(fresh);
     const T old = std::exchange(object_, incoming);  // goes last, when the field already holds the new one

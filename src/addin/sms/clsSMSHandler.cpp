@@ -108,7 +108,7 @@ void clsSMSHandler::OutlookApplication(const outlook::Application& application) 
   onErrorLog([&] {
     m_objOutlookApp = application;
     m_objNameSpace = m_objOutlookApp.GetNamespace(u"MAPI");
-    onErrorResumeNext([&] { SaveAssistantState(); });  // later mail clients have no Assistant: that counts as off
+    SaveAssistantState();  // later mail clients have no Assistant: that counts as off
   });
 }
 

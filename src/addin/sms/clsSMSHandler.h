@@ -108,7 +108,7 @@ class clsSMSHandler final : public Counted, public EventSource {
 
   // Feedback through the Office Assistant. Later mail clients have none: that counts as off, everywhere.
   bool AssistantOn() const;
-  void SaveAssistantState();
+  void SaveAssistantState() noexcept;
   void StartAssistantAnimation();
   void StopAssistantAnimation();
   void ShowAssistantBalloon(StringView Heading, StringView Text, StringView Label);

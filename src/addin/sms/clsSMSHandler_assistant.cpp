@@ -11,20 +11,21 @@ bool clsSMSHandler::AssistantOn() const {
   return on;
 }
 
-void clsSMSHandler::SaveAssistantState() {
+// What cannot be asked counts as off, each of the two by itself: one that fails says nothing about the other.
+void clsSMSHandler::SaveAssistantState() noexcept {
   m_bAssistantOn = false;
   m_bAssistantVisible = false;
-  const office::Assistant assistant = m_objOutlookApp.Assistant();
-  m_bAssistantOn = assistant.On();
-  m_bAssistantVisible = assistant.Visible();
+  office::Assistant assistant;
+  onErrorResumeNext([&] { assistant = m_objOutlookApp.Assistant(); }, [&] { m_bAssistantOn = assistant.On(); },
+                    [&] { m_bAssistantVisible = assistant.Visible(); });
 }
 
 void clsSMSHandler::StartAssistantAnimation() {
   if (!m_objOutlookApp) return;
+  SaveAssistantState();
   office::Assistant assistant;
-  onErrorResumeNext([&] { SaveAssistantState(); }, [&] { assistant = m_objOutlookApp.Assistant(); },
-                    [&] { assistant.On(true); }, [&] { assistant.Visible(true); },
-                    [&] { assistant.MoveWhenInTheWay(true); },
+  onErrorResumeNext([&] { assistant = m_objOutlookApp.Assistant(); }, [&] { assistant.On(true); },
+                    [&] { assistant.Visible(true); }, [&] { assistant.MoveWhenInTheWay(true); },
                     [&] { assistant.Animation(office::msoAnimationWorkingAtSomething); });
 }
 
@@ -36,13 +37,14 @@ void clsSMSHandler::StopAssistantAnimation() {
 }
 
 void clsSMSHandler::ShowAssistantBalloon(StringView Heading, StringView Text, StringView Label) {
+  SaveAssistantState();
   office::Assistant assistant;
   office::Balloon balloon;
   onErrorResumeNext(
-      [&] { SaveAssistantState(); }, [&] { assistant = m_objOutlookApp.Assistant(); }, [&] { assistant.On(true); },
-      [&] { assistant.Visible(true); }, [&] { assistant.MoveWhenInTheWay(true); },
-      [&] { balloon = assistant.NewBalloon(); }, [&] { balloon.BalloonType(office::msoBalloonTypeBullets); },
-      [&] { balloon.Heading(Heading); }, [&] { balloon.Text(Text); }, [&] { balloon.Labels().Item(1).Text(Label); },
+      [&] { assistant = m_objOutlookApp.Assistant(); }, [&] { assistant.On(true); }, [&] { assistant.Visible(true); },
+      [&] { assistant.MoveWhenInTheWay(true); }, [&] { balloon = assistant.NewBalloon(); },
+      [&] { balloon.BalloonType(office::msoBalloonTypeBullets); }, [&] { balloon.Heading(Heading); },
+      [&] { balloon.Text(Text); }, [&] { balloon.Labels().Item(1).Text(Label); },
       [&] { balloon.Button(office::msoButtonSetOK); }, [&] { balloon.Icon(office::msoIconAlertInfo); },
       [&] { balloon.Show(); }, [&] { assistant.Visible(m_bAssistantVisible); }, [&] { assistant.On(m_bAssistantOn); });
 }

@@ -99,7 +99,9 @@ void clsSMSHandler::DeleteCollectedMessages() {
     if (storageNotSupported(supported, sms.Store())) sms.Store(cpSMSSIMMessageStore);
     std::int32_t store = sms.Store();
     const std::int16_t index = sms.Index();
-    DeleteSMSFromPhone(store, index);  // one that fails does not stop the others
+    // One that fails does not stop the others. Nor does a quit message that ends its wait: the rest is asked for
+    // without waiting. Left on the SIM, it would stay there, since the next run finds it in the Inbox.
+    DeleteSMSFromPhone(store, index);
     DbgOut(2, u"Delete from SIM - index = ", index);
     DbgOut(2, u"Delete from SIM - storage = ", sms.Store());
   }
@@ -171,6 +173,7 @@ String clsSMSHandler::CreateMessage(const sms_objectlib::ShortMessage& sms) {
       m_colCreated->Add(recipient, timeStamp, normalised);
     }
     DbgOut(2, u"CreateMessage:", entryId);
+    // Whatever EntryID came: a helper that raises no error has taken the message over.
     if (autoRemove != 0) {
       DbgOut(2, u"User wants to remove message from the SIM card when readed in outlook");
       DbgOut(2, u"instaed to delete the SMS, put it in the m_smsToDeleteCollection");

@@ -130,14 +130,14 @@ void clsSMSHandler::m_objGuardTimer_Timer(std::int32_t Milliseconds) {
 void clsSMSHandler::HandleSendFailure(StringView strEntryID) {
   const String entryId(strEntryID);  // the caller's is m_strEntryID, which a nested send may replace
   outlook::MailItem item;
-  bool isMail = false;
+  bool isOther = false;  // stays so when the question fails: only an item that says it is no mail item is let off
   onErrorResumeNext(
       [&] {
         if (AssistantOn()) StopAssistantAnimation();
       },
       [&] { item = m_objOutbox.Application().GetNamespace(u"MAPI").GetItemFromID(entryId, m_objOutbox.StoreID()); },
-      [&] { isMail = item && isMailItem(item); });
-  if (!isMail) return;
+      [&] { isOther = !isMailItem(item); });
+  if (!item || isOther) return;
 
   std::int32_t failures = 0;
   onErrorResumeNext([&] { failures = CLng(item.Mileage()); }, [&] { DbgOut(2, u"Failed count:", failures); },

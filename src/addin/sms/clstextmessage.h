@@ -6,6 +6,7 @@
 namespace addin {
 
 class coltextmessage;
+class SentOnIndex;
 
 class clstextmessage : public Counted {
  public:
@@ -20,12 +21,14 @@ class clstextmessage : public Counted {
 
  private:
   friend class coltextmessage;
+  friend class SentOnIndex;
 
   String m_strRecipient;
   String m_strSentOn;
   String m_strMessageBody;
   coltextmessage* m_colOwner = nullptr;  // the collection whose index lists this record
   std::uint64_t m_nOrder = 0;            // place in the order of adding
+  clstextmessage* m_objNext = nullptr;   // the next one of its time stamp, in that order
 };
 
 }  // namespace addin

@@ -1,18 +1,22 @@
 #include "addin/sms/coltextmessage.h"
 
-#include <algorithm>
-
 namespace addin {
 
+// What may fail comes first: a record is in its collection's index or in none.
 void clstextmessage::SentOn(StringView text) {
-  if (m_colOwner) m_colOwner->removeFromIndex(*this);
-  m_strSentOn = text;
-  if (m_colOwner) m_colOwner->insertIntoIndex(*this);
+  String fresh(text);
+  if (!m_colOwner) {
+    m_strSentOn = std::move(fresh);
+    return;
+  }
+  m_colOwner->m_index.makeRoom();
+  m_colOwner->m_index.remove(*this);
+  m_strSentOn = std::move(fresh);
+  m_colOwner->m_index.insert(*this);
 }
 
 coltextmessage::~coltextmessage() {
-  for (const auto& entry : m_index)
-    for (clstextmessage* const record : entry.second) record->m_colOwner = nullptr;
+  for (std::int32_t i = 1; i <= m_col.Count(); ++i) m_col.Item(i)->m_colOwner = nullptr;
 }
 
 Ref<clstextmessage> coltextmessage::Add(StringView Recipient, StringView SentOn, StringView MessageBody,
@@ -21,38 +25,19 @@ Ref<clstextmessage> coltextmessage::Add(StringView Recipient, StringView SentOn,
   record->Recipient(Recipient);
   record->SentOn(SentOn);
   record->MessageBody(MessageBody);
+  m_index.makeRoom();
   m_col.Add(record, sKey);
   record->m_colOwner = this;
   record->m_nOrder = ++m_nAdded;
-  insertIntoIndex(*record);
+  m_index.insert(*record);
   return record;
 }
 
 void coltextmessage::Remove(const Variant& vntIndexKey) {
   const Ref<clstextmessage> record = m_col.Item(vntIndexKey);
   m_col.Remove(vntIndexKey);
-  removeFromIndex(*record);
+  m_index.remove(*record);
   record->m_colOwner = nullptr;
-}
-
-const std::vector<clstextmessage*>& coltextmessage::SentAt(const String& sentOn) const {
-  static constexpr std::vector<clstextmessage*> none;
-  const auto at = m_index.find(sentOn);
-  return at == m_index.end() ? none : at->second;
-}
-
-void coltextmessage::insertIntoIndex(clstextmessage& record) {
-  auto& sameTime = m_index[record.SentOn()];
-  const auto place =
-      std::upper_bound(sameTime.begin(), sameTime.end(), record.m_nOrder,
-                       [](std::uint64_t order, const clstextmessage* other) { return order < other->m_nOrder; });
-  sameTime.insert(place, &record);
-}
-
-void coltextmessage::removeFromIndex(const clstextmessage& record) {
-  const auto at = m_index.find(record.SentOn());
-  std::erase(at->second, &record);
-  if (at->second.empty()) m_index.erase(at);
 }
 
 }  // namespace addin

@@ -2,14 +2,11 @@
 //
 // Beside the collection stands an index by time-stamp text, so that the duplicate check finds the candidates of one
 // time stamp without walking the others. The index follows when a record's SentOn is written later and when a record is
-// removed. A sorted table was considered and lost: records arrive one by one while messages are listed.
+// removed.
 #pragma once
 
-#include <unordered_map>
-#include <vector>
-
 #include "addin/platform/collection.h"
-#include "addin/sms/clstextmessage.h"
+#include "addin/sms/sent_on_index.h"
 
 namespace addin {
 
@@ -47,15 +44,27 @@ class coltextmessage : public Counted {
   Enumerator end() const { return {this, 0}; }
 
   // The records whose SentOn is exactly this text, in the order of adding.
-  const std::vector<clstextmessage*>& SentAt(const String& sentOn) const;
+  class Candidates {
+   public:
+    explicit Candidates(const clstextmessage* record) : record_(record) {}
+    const clstextmessage* operator*() const { return record_; }
+    Candidates& operator++() {
+      record_ = record_->m_objNext;
+      return *this;
+    }
+    bool operator!=(const Candidates& other) const { return record_ != other.record_; }
+    Candidates begin() const { return *this; }
+    Candidates end() const { return Candidates(nullptr); }
+
+   private:
+    const clstextmessage* record_;
+  };
+  Candidates SentAt(StringView sentOn) const { return Candidates(m_index.first(sentOn)); }
 
  private:
   friend class clstextmessage;
-  void insertIntoIndex(clstextmessage& record);
-  void removeFromIndex(const clstextmessage& record);
-
   Collection<Ref<clstextmessage>> m_col;
-  std::unordered_map<String, std::vector<clstextmessage*>> m_index;  // m_col keeps the records
+  SentOnIndex m_index;  // m_col keeps the records
   std::uint64_t m_nAdded = 0;
 };
 

@@ -6,11 +6,12 @@
 // After our own windows header on purpose: it needs what <ole2.h> declares.
 #include <mapidefs.h>
 
+__CRT_UUID_DECL(IMessage, 0x00020307, 0, 0, 0xC0, 0, 0, 0, 0, 0, 0, 0x46)
+
 namespace mailclient::win {
 namespace {
 
 constexpr IID iidMapiProp{0x00020303, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
-constexpr IID iidMessage{0x00020307, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 
 Date dateOf(const FILETIME& time) {
   // 100-nanosecond units since 1 January 1601, which is day -109205.
@@ -100,7 +101,8 @@ class MessageFace final : public com::ComObject<IMessage> {
 
  protected:
   void* find(REFIID iid) override {
-    return iid == IID_IUnknown || iid == iidMapiProp || iid == iidMessage ? static_cast<IMessage*>(this) : nullptr;
+    return iid == IID_IUnknown || iid == iidMapiProp || iid == __uuidof(IMessage) ? static_cast<IMessage*>(this)
+                                                                                  : nullptr;
   }
 
  private:

@@ -177,7 +177,8 @@ StoredMessage SimulatedPhone::deliver(StringView originator, StringView text, St
 }
 
 std::int16_t SimulatedPhone::put(StoredMessage message) {
-  const std::int16_t slot = memoryOf(message.store).add(std::move(message));
+  auto& memory = memoryOf(message.store);
+  const std::int16_t slot = memory.add(std::move(message));
   if (slot > 0) changed();
   return slot;
 }

@@ -5,11 +5,13 @@
 
 #include "addin_library.h"
 #include "support/text.h"
+#include "support/win32/registry_listing.h"
 
 namespace addin_dll_tests {
 namespace {
 
 using platform::String;
+using testing_support::listed;
 
 using Lines = std::vector<std::string>;
 
@@ -17,47 +19,6 @@ constexpr const wchar_t* addInsKey = L"Software\\Microsoft\\Office\\Outlook\\Add
 constexpr const wchar_t* addInKey = L"Software\\Microsoft\\Office\\Outlook\\Addins\\mrktxtmsg.connect";
 constexpr const wchar_t* classKey = L"CLSID\\{E095A390-ABCC-4B19-8580-F6DA56BEFDB7}";
 constexpr const wchar_t* progIdKey = L"mrktxtmsg.connect";
-
-std::string narrow(const wchar_t* text) { return testing_support::utf8(reinterpret_cast<const char16_t*>(text)); }
-
-std::string dataText(DWORD type, const std::vector<BYTE>& data) {
-  if (type == REG_DWORD && data.size() == 4) return "dword " + std::to_string(data[0] + 256 * data[1]);
-  if (type != REG_SZ || data.size() < 2) return "type " + std::to_string(type);
-  const String text(reinterpret_cast<const char16_t*>(data.data()), data.size() / 2);
-  const bool ends = text.back() == u'\0';
-  return testing_support::utf8(text.substr(0, text.size() - ends)) + (ends ? "" : " without its NUL");
-}
-
-// One line for each value below a key: "path|name|data"; "none" when there is no such key.
-void list(HKEY root, const std::wstring& key, const std::string& path, Lines& to) {
-  HKEY opened = nullptr;
-  if (RegOpenKeyExW(root, key.c_str(), 0, KEY_READ, &opened) != ERROR_SUCCESS) {
-    to.push_back("none");
-    return;
-  }
-  wchar_t name[256];
-  for (DWORD i = 0;; ++i) {
-    DWORD nameSize = 256;
-    DWORD type = 0;
-    std::vector<BYTE> data(70000);
-    auto size = static_cast<DWORD>(data.size());
-    if (RegEnumValueW(opened, i, name, &nameSize, nullptr, &type, data.data(), &size) != ERROR_SUCCESS) break;
-    data.resize(size);
-    to.push_back(path + "|" + narrow(name) + "|" + dataText(type, data));
-  }
-  for (DWORD i = 0;; ++i) {
-    DWORD nameSize = 256;
-    if (RegEnumKeyExW(opened, i, name, &nameSize, nullptr, nullptr, nullptr, nullptr) != ERROR_SUCCESS) break;
-    list(root, key + L"\\" + name, path + "\\" + narrow(name), to);
-  }
-  RegCloseKey(opened);
-}
-
-Lines listed(HKEY root, const std::wstring& key) {
-  Lines lines;
-  list(root, key, "", lines);
-  return lines;
-}
 
 Lines addInEntry() {
   return {"|FriendlyName|Marrick Text Message Add-In", "|Description|Marrick Text Message Add-In for Outlook 2000",

@@ -27,6 +27,17 @@ class Registration final : public testing::Environment {
 
 [[maybe_unused]] const auto* const registration = testing::AddGlobalTestEnvironment(new Registration);
 
+template <class... Arguments>
+HRESULT callDll(StringView dll, const char* name, Arguments... arguments) {
+  const HMODULE module = LoadLibraryExW(wide(productFile(dll)), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
+  if (!module) return HRESULT_FROM_WIN32(GetLastError());
+  using Entry = HRESULT(WINAPI*)(Arguments...);
+  const auto entry = reinterpret_cast<Entry>(reinterpret_cast<void*>(GetProcAddress(module, name)));
+  const HRESULT hr = entry ? entry(arguments...) : E_NOTIMPL;
+  FreeLibrary(module);
+  return hr;
+}
+
 // Keeps the message loop going until the handle is signalled.
 bool waitFor(HANDLE handle) {
   return serveUntil([handle] { return WaitForSingleObject(handle, 0) == WAIT_OBJECT_0; });
@@ -72,13 +83,10 @@ DWORD run(String commandLine) {
   return code;
 }
 
-HRESULT callEntry(StringView dll, const char* name) {
-  const HMODULE module = LoadLibraryExW(wide(productFile(dll)), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
-  if (!module) return HRESULT_FROM_WIN32(GetLastError());
-  const auto entry = reinterpret_cast<HRESULT(WINAPI*)()>(reinterpret_cast<void*>(GetProcAddress(module, name)));
-  const HRESULT hr = entry ? entry() : E_NOTIMPL;
-  FreeLibrary(module);
-  return hr;
+HRESULT callEntry(StringView dll, const char* name) { return callDll<>(dll, name); }
+
+HRESULT installDll(StringView dll, BOOL install, const wchar_t* text) {
+  return callDll<BOOL, LPCWSTR>(dll, "DllInstall", install, text);
 }
 
 platform::LateBound create(const platform::Guid& clsid) {

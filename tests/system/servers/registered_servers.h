@@ -26,6 +26,7 @@ DWORD run(platform::String commandLine);
 
 // Calls an entry point without arguments (DllRegisterServer, …) of a DLL of the product.
 HRESULT callEntry(platform::StringView dll, const char* name);
+HRESULT installDll(platform::StringView dll, BOOL install, const wchar_t* text);
 
 // A new object by its class. Errors as of com::createObject.
 platform::LateBound create(const platform::Guid& clsid);

@@ -36,13 +36,10 @@ class Errors : public BridgeTest {
 
 TEST_F(Errors, FailuresOfAutomation_AreTheRunTimeErrorsThatSayTheSame) {
   const std::pair<HRESULT, std::int32_t> expected[] = {
-      {DISP_E_TYPEMISMATCH, 13},    {DISP_E_OVERFLOW, 6},
-      {DISP_E_MEMBERNOTFOUND, 438}, {DISP_E_UNKNOWNNAME, 438},
-      {DISP_E_BADPARAMCOUNT, 450},  {DISP_E_PARAMNOTOPTIONAL, 449},
-      {DISP_E_NONAMEDARGS, 446},    {DISP_E_PARAMNOTFOUND, 448},
-      {DISP_E_BADINDEX, 9},         {DISP_E_BADVARTYPE, 458},
-      {E_OUTOFMEMORY, 7},           {REGDB_E_CLASSNOTREG, 429},
-      {CO_E_CLASSSTRING, 429},      {HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE), 462}};
+      {DISP_E_TYPEMISMATCH, 13}, {DISP_E_OVERFLOW, 6},        {DISP_E_MEMBERNOTFOUND, 438},
+      {DISP_E_UNKNOWNNAME, 438}, {DISP_E_BADPARAMCOUNT, 450}, {DISP_E_PARAMNOTOPTIONAL, 449},
+      {DISP_E_NONAMEDARGS, 446}, {DISP_E_PARAMNOTFOUND, 448}, {DISP_E_BADINDEX, 9},
+      {DISP_E_BADVARTYPE, 458},  {REGDB_E_CLASSNOTREG, 429},  {CO_E_CLASSSTRING, 429}};
   for (const auto& [failure, number] : expected)
     expectError(com::errorOf(failure), number, u"mrktxtmsg", standardText(number));
 }
@@ -56,7 +53,8 @@ TEST_F(Errors, RunTimeErrorsFromOutside_AreTheirLowWord) {
 }
 
 TEST_F(Errors, OtherFailures_AreTheSignedNumber_WithTheSystemsTextOnOneLine) {
-  for (const HRESULT failure : {E_FAIL, E_ACCESSDENIED, E_NOTIMPL, HRESULT_FROM_WIN32(2)}) {
+  for (const HRESULT failure : {E_FAIL, E_ACCESSDENIED, E_NOTIMPL, E_OUTOFMEMORY, HRESULT_FROM_WIN32(2),
+                                HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE)}) {
     const RuntimeError error = com::errorOf(failure);
     EXPECT_EQ(error.number, failure);
     EXPECT_EQ(error.source, u"mrktxtmsg");

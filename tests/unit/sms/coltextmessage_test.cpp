@@ -232,32 +232,38 @@ TEST(coltextmessage, SentAt_SeesOtherPropertiesAsTheyAreNow) {
   record->MessageBody(u"2");
   record->Recipient(u"R");
   EXPECT_EQ(bodiesSentAt(*collection, u"x"), Texts{u"2"});
-  EXPECT_EQ(collection->SentAt(u"x")[0]->Recipient(), u"R");
+  EXPECT_EQ((*collection->SentAt(u"x"))->Recipient(), u"R");
 }
 
-// Whatever happens to the collection, the index and a walk over all records agree.
+// Whatever happens to the collection, the index and a walk over all records agree: with many records to a time stamp,
+// and with so many time stamps that the index grows and its searches collide.
 TEST(coltextmessage, SentAt_AfterRandomAddsWritesAndRemovals_IsWhatAPlainWalkFinds) {
   std::mt19937 random(20010203);
   const auto below = [&](std::size_t n) { return std::uniform_int_distribution<std::size_t>(0, n - 1)(random); };
-  const auto someTime = [&] { return concat(u"t", static_cast<std::int32_t>(below(12))); };
-
-  const auto collection = make<coltextmessage>();
-  std::vector<Ref<clstextmessage>> everything;  // removed ones too
-  for (std::int32_t step = 0; step < 1000; ++step) {
-    const std::size_t action = below(10);
-    if (everything.empty() || action < 4) {
-      everything.push_back(collection->Add(u"R", someTime(), concat(step)));
-    } else if (action < 7) {
-      everything[below(everything.size())]->SentOn(someTime());
-    } else if (collection->Count() > 0) {
-      collection->Remove(static_cast<std::int32_t>(below(static_cast<std::size_t>(collection->Count()))) + 1);
+  for (const std::size_t times : {12u, 400u}) {
+    SCOPED_TRACE(times);
+    const auto someTime = [&] { return concat(u"t", static_cast<std::int32_t>(below(times))); };
+    const auto collection = make<coltextmessage>();
+    std::vector<Ref<clstextmessage>> everything;  // removed ones too
+    for (std::int32_t step = 0; step < 2000; ++step) {
+      const std::size_t action = below(10);
+      if (everything.empty() || action < 4) {
+        everything.push_back(collection->Add(u"R", someTime(), concat(step)));
+      } else if (action < 7) {
+        everything[below(everything.size())]->SentOn(someTime());
+      } else if (collection->Count() > 0) {
+        collection->Remove(static_cast<std::int32_t>(below(static_cast<std::size_t>(collection->Count()))) + 1);
+      }
+      const String time = someTime();
+      ASSERT_EQ(bodiesSentAt(*collection, time), bodiesByPlainWalk(*collection, time)) << "step " << step;
     }
-    const String time = someTime();
-    ASSERT_EQ(bodiesSentAt(*collection, time), bodiesByPlainWalk(*collection, time)) << "step " << step;
-  }
-  for (std::int32_t t = 0; t < 12; ++t) {
-    const String time = concat(u"t", t);
-    EXPECT_EQ(bodiesSentAt(*collection, time), bodiesByPlainWalk(*collection, time));
+    for (std::int32_t t = 0; t < static_cast<std::int32_t>(times); ++t) {
+      const String time = concat(u"t", t);
+      EXPECT_EQ(bodiesSentAt(*collection, time), bodiesByPlainWalk(*collection, time));
+    }
+    while (collection->Count() > 0) collection->Remove(1);
+    for (std::int32_t t = 0; t < static_cast<std::int32_t>(times); ++t)
+      EXPECT_EQ(bodiesSentAt(*collection, concat(u"t", t)), Texts{});
   }
 }
 

@@ -123,7 +123,10 @@ EngineWorld::EngineWorld()
   owner->m_objSMSHandler = make<clsSMSHandler>();
 }
 
-EngineWorld::~EngineWorld() { dbgChannel = {}; }
+EngineWorld::~EngineWorld() {
+  expectLevels();
+  dbgChannel = {};
+}
 
 void EngineWorld::makeMailClient() {
   application->method(u"GetNamespace", [this](Args) -> Variant { return nameSpace->object(); })
@@ -188,7 +191,15 @@ void EngineWorld::start() {
   clear();
 }
 
+// Tests look at the texts of the trace; the levels go with the texts, so they are looked at here for all of them. One
+// line of the engine is a warning, every other one is ordinary.
+void EngineWorld::expectLevels() const {
+  for (const auto& line : system.windows.traceLines())
+    EXPECT_EQ(line.level, line.text == "SendAll - Not Idle" ? 0 : 2) << line.text;
+}
+
 void EngineWorld::clear() {
+  expectLevels();
   system.windows.clearTrace();
   system.journal.clear();
   owner->notices.clear();

@@ -159,6 +159,7 @@ class EngineWorld {
   Ref<Owner> owner;
 
  private:
+  void expectLevels() const;
   void makeMailClient();
   void makeAssistant();
   void makeHelper();

@@ -114,6 +114,51 @@ TEST_F(Guard, TickWhenIdle_CountsAFailureOnTheLastItemAllTheSame) {
   EXPECT_EQ(item->valueOf(u"Mileage"), Variant(u"1"));
 }
 
+// A connect notice forgets the send but leaves its guard running. When that runs out, it does not ask whose state it
+// ends: whatever waits then, waits no longer.
+class GuardThatRunsOn : public Guard {
+ protected:
+  GuardThatRunsOn() : item(addItem(outbox, u"Anna [1]", u"Hello")) {
+    tick(sendTimer(), 500);
+    notifyConnected(1, phone->object());
+    clear();
+    system.time.post(100, [this] { tick(guardTimer(), 25000); });
+  }
+  void expectRanOut() {
+    const Lines lines = trace();
+    const auto at = std::find(lines.begin(), lines.end(), "Guard time passed ms: 25000");
+    ASSERT_GE(lines.end() - at, 3);
+    EXPECT_EQ((Lines(at + 1, at + 3)), (Lines{"Number of parts left:0", "Failed count:0"}));
+    EXPECT_EQ(guardTimer().calls(), Lines{"Enabled = False"});
+    EXPECT_EQ(item->valueOf(u"Mileage"), Variant(u"1"));
+    EXPECT_EQ(system.time.elapsed(), 100);
+    EXPECT_EQ(probe().state(), IDLE);
+  }
+
+  Ref<FakeObject> item;
+};
+
+TEST_F(GuardThatRunsOn, DuringAListing_EndsTheWaitAsSuccess) {
+  answersListings = false;
+  EXPECT_TRUE(probe().ListMessage(1, 4));
+  expectRanOut();
+}
+
+TEST_F(GuardThatRunsOn, DuringADeletion_EndsTheWaitWithTheLastStatus) {
+  answersDeletions = false;
+  probe().deleteStatus() = 7;
+  std::int32_t store = 2;
+  EXPECT_FALSE(handler().DeleteSMSFromPhone(store, 1));
+  expectRanOut();
+}
+
+TEST_F(Guard, Tick_TracesTheMillisecondsThatTheTimerSays) {
+  probe().guardParts() = 3;
+  tick(guardTimer(), 25017);
+  EXPECT_EQ(trace(),
+            (Lines{"Guard time passed! 2/3/2001 4:05:06 AM", "Guard time passed ms: 25017", "Number of parts left:2"}));
+}
+
 TEST_F(Guard, GuardTimerThatFailsToStop_IsLoggedAndLeavesTheState) {
   addItem(outbox, u"Anna [1]", u"Hello");
   tick(sendTimer(), 500);

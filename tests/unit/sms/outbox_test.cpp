@@ -180,6 +180,18 @@ TEST_F(AssistantFeedback, FailingSteps_AreIgnoredAndTheNextOneRuns) {
   EXPECT_EQ(trace(), Lines{});
 }
 
+// Whether it is visible is asked for though the question whether it is on has failed.
+TEST_F(AssistantFeedback, OnThatFails_CountsAsOffAndVisibleIsSavedAllTheSame) {
+  assistant->value(u"Visible", true).fails(u"On", 5);
+  probe().assistantOn() = true;
+  probe().StartAssistantAnimation();
+  EXPECT_EQ(assistant->calls(),
+            (Lines{"On", "Visible", "On = True", "Visible = True", "MoveWhenInTheWay = True", "Animation = 23"}));
+  EXPECT_FALSE(probe().assistantOn());
+  EXPECT_TRUE(probe().assistantVisible());
+  EXPECT_EQ(trace(), Lines{});
+}
+
 TEST_F(AssistantFeedback, BalloonThatFails_IsIgnoredAndTheStateRestored) {
   assistant->value(u"On", true).value(u"Visible", true);
   balloon->fails(u"Labels", 438).fails(u"Show", 5).fails(u"Heading", 5);

@@ -178,12 +178,45 @@ TEST_F(CreateMessage, HelperThatGivesNoEntryId_CountsAsNotMade) {
   EXPECT_EQ(trace(), createdNew(""));
 }
 
+// The helper has raised no error, so that it has taken the message over.
+TEST_F(CreateMessage, HelperThatGivesNoEntryIdWithAutoRemoveOn_IsQueuedAllTheSame) {
+  autoRemove();
+  helper->method(u"CreateMessage", [](Args) -> Variant { return u""; });
+  EXPECT_EQ(create({}), "");
+  EXPECT_EQ(trace(), joined({creationBegins(1), searched({}, {}, false), notInInbox(), searched({}, {}, false),
+                             dupe(false), itemMade(""), queuedByTheUser()}));
+  EXPECT_EQ(queued(), 1);
+}
+
 // The item exists from the helper's return on, so it must be moved even when a later step fails.
 TEST_F(CreateMessage, FailureAfterTheItemWasMade_ReturnsItsEntryId) {
   autoRemove();
   probe().smsToDelete() = nullptr;
   EXPECT_EQ(create({}), "ID-1");
   EXPECT_EQ(trace().back(), "Error:91, Object variable or With block variable not set, mrktxtmsg");
+}
+
+TEST_F(CreateMessage, FailureAfterTheItemWasMade_ItemStillReachesTheInbox) {
+  autoRemove();
+  probe().smsToDelete() = nullptr;
+  answer(21, 0, newShortMessage({})->object());
+  EXPECT_EQ(trace(), joined({answered(21, 0, STATE_LIST),
+                             {"STATE_LIST - Got one message, tranid: 21 status: 0"},
+                             creationBegins(1),
+                             searched({}, {}, false),
+                             notInInbox(),
+                             searched({}, {}, false),
+                             dupe(false),
+                             itemMade("ID-1"),
+                             queuedByTheUser(),
+                             {"Error:91, Object variable or With block variable not set, mrktxtmsg",
+                              "CreateMessage called - message will be created in outbox",
+                              "Return from CreateMessage call - strEntryId = ID-1",
+                              "Check if message lengt is larger than 0", "YES, Move message to Inbox: ID-1"},
+                             moved("ID-1", "Outbox", "Inbox")}));
+  EXPECT_EQ(inbox.entryIds(), Lines{"ID-1"});
+  EXPECT_EQ(outbox.entryIds(), Lines{});
+  EXPECT_EQ(probe().state(), IDLE);
 }
 
 TEST_F(CreateMessage, MessageThatCannotBeRead_IsLoggedAndCreatesNothing) {

@@ -1,4 +1,4 @@
-// DeleteSMSFromPhone, the deletions at the end of a run, the SIM-full question, and deletions in the mail client.
+// DeleteSMSFromPhone, the deletions at the end of a run, and deletions in the mail client.
 #include "support/errors.h"
 #include "support/seam_recorder.h"
 #include "unit/sms/receiving_fixture.h"
@@ -97,6 +97,31 @@ TEST_F(DeleteSMSFromPhone, WithoutAnSmsObject_IsError91ToTheCaller) {
   ASSERT_TRUE(error);
   EXPECT_EQ(error->number, 91);
   EXPECT_EQ(trace(), Lines{"Inside Function DeleteSMSFromPhone"});
+  EXPECT_EQ(probe().state(), STATE_DELETE);
+}
+
+TEST_F(DeleteSMSFromPhone, ErrorOfTheFirstQuestion_FindsTheStateSet) {
+  sms->fails(u"IsStorageSupported", 70);
+  const auto error = errorOf([&] { remove(4); });
+  ASSERT_TRUE(error);
+  EXPECT_EQ(error->number, 70);
+  EXPECT_EQ(trace(), Lines{"Inside Function DeleteSMSFromPhone"});
+  EXPECT_EQ(probe().state(), STATE_DELETE);
+}
+
+// The status of the last answer stays until the next one: a wait that ends without an answer says what an earlier
+// deletion said.
+TEST_F(DeleteSMSFromPhone, ConnectNoticeAfterAnEarlierSuccess_IsTrue) {
+  answersDeletions = false;
+  for (const std::int32_t status : {0, sms_objectlib::resultEmptySlot}) {
+    probe().deleteStatus() = status;
+    clear();
+    const auto before = system.time.elapsed();
+    system.time.post(100, [&] { notifyConnected(1, phone->object()); });
+    EXPECT_TRUE(remove(4));
+    EXPECT_EQ(system.time.elapsed() - before, 100);
+    EXPECT_EQ(trace().back(), "DeleteSMSFromPhone = True");
+  }
 }
 
 TEST_F(DeleteSMSFromPhone, ConnectNoticeMeanwhile_EndsTheWaitWithTheLastStatus) {
@@ -199,6 +224,36 @@ TEST_F(DeletionsOfARun, ErrorOfTheSmsObject_EndsThemAndKeepsTheResult) {
   EXPECT_EQ(probe().state(), STATE_DELETE);
 }
 
+// The mail client ends: nothing is waited for any more, but each message is still asked to go.
+TEST_F(DeletionsOfARun, QuitMeanwhile_StillAsksForTheOthers) {
+  store({.text = u"1", .index = 1});
+  store({.text = u"2", .index = 2});
+  store({.text = u"3", .index = 3});
+  answersDeletions = false;
+  sms->method(u"DeleteMessage", [&](Args) -> Variant {
+    const std::int32_t id = nextTransaction++;
+    if (id == 19) system.time.post(100, [&] { system.time.postQuit(); });
+    return id;
+  });
+  const auto asked = [](std::int32_t id, std::int32_t index) {
+    return Lines{"Delete SMS - IsStorageSupported = True",
+                 "Inside Function DeleteSMSFromPhone",
+                 "DeleteSMSFromPhone - IsStorageSupported = True",
+                 "Delete SMS in phone: transaction id: " + number(id),
+                 "DeleteSMSFromPhone = False",
+                 "Delete from SIM - index = " + number(index),
+                 "Delete from SIM - storage = 2"};
+  };
+  EXPECT_TRUE(handler().ReceiveAll());
+  EXPECT_EQ(system.time.elapsed(), 100);
+  EXPECT_EQ(lastOf(sms->calls(), 9), (Lines{"IsStorageSupported(2)", "IsStorageSupported(2)", "DeleteMessage(2, 1)",
+                                            "IsStorageSupported(2)", "IsStorageSupported(2)", "DeleteMessage(2, 2)",
+                                            "IsStorageSupported(2)", "IsStorageSupported(2)", "DeleteMessage(2, 3)"}));
+  const Lines ending = runEnds(3, joined({asked(19, 1), asked(20, 2), asked(21, 3)}));
+  EXPECT_EQ(lastOf(trace(), ending.size()), ending);
+  EXPECT_FALSE(probe().smsToDelete());
+}
+
 TEST_F(DeletionsOfARun, PhoneUnpluggedMeanwhile_IsError91) {
   store({.text = u"1", .index = 1});
   store({.text = u"2", .index = 2});
@@ -248,106 +303,6 @@ TEST_F(DeletionsOfARun, RunAskedForWhileListing_ForgetsWhatWasCollectedSoFar) {
   EXPECT_EQ(stored[phoneMemory].size(), 1u);  // it is listed again some other time
   EXPECT_EQ(stored[sim].size(), 0u);
   EXPECT_EQ(inbox.bodies(), (Lines{"1", "2"}));
-}
-
-// isSimFull
-// ------------------------------------------------------------------------------------------------------------
-
-class IsSimFull : public ReceivingFixture {
- protected:
-  void capacity(std::int16_t n) {
-    sms->method(u"StorageCapacity", [n](Args) -> Variant { return n; });
-  }
-  void used(std::int16_t n) {
-    sms->method(u"StorageUsed", [n](Args) -> Variant { return n; });
-  }
-};
-
-const Lines notCompared{
-    "m_maxSimCapacity is less or equal than zero (error code) - do not compare it with m_usedSimMemory"};
-const Lines compared{"m_maxSimCapacity is larger than zero - compare it with m_usedSimMemory"};
-
-TEST_F(IsSimFull, LessUsedThanCapacity_Is0) {
-  used(9);
-  EXPECT_EQ(handler().isSimFull(), 0);
-  EXPECT_EQ(trace(), joined({{"Inside Function isSimFull", "Max SIM Capacity = 10", "Used SIM Memory = 9"},
-                             compared,
-                             {"UsedMemory is less than SimCapacity", "isSimFull=0"}}));
-  EXPECT_EQ(sms->calls(), (Lines{"StorageCapacity(2)", "StorageUsed(2)"}));
-  EXPECT_EQ(probe().maxSimCapacity(), 10);
-  EXPECT_EQ(probe().usedSimMemory(), 9);
-}
-
-TEST_F(IsSimFull, AsMuchUsedAsCapacity_Is1) {
-  used(10);
-  EXPECT_EQ(handler().isSimFull(), 1);
-  EXPECT_EQ(trace(), joined({{"Inside Function isSimFull", "Max SIM Capacity = 10", "Used SIM Memory = 10"},
-                             compared,
-                             {"isSimFull=1"}}));
-}
-
-TEST_F(IsSimFull, MoreUsedThanCapacity_Is1) {
-  used(11);
-  EXPECT_EQ(handler().isSimFull(), 1);
-}
-
-TEST_F(IsSimFull, SecondTime_AsksForTheUsedCountOnly) {
-  handler().isSimFull();
-  clear();
-  capacity(3);
-  EXPECT_EQ(handler().isSimFull(), 0);
-  EXPECT_EQ(trace(), joined({{"Inside Function isSimFull", "Used SIM Memory = 0"},
-                             compared,
-                             {"UsedMemory is less than SimCapacity", "isSimFull=0"}}));
-  EXPECT_EQ(sms->calls(), Lines{"StorageUsed(2)"});
-}
-
-TEST_F(IsSimFull, CapacityOf0OrAnErrorCode_Is0) {
-  for (const std::int16_t code : {std::int16_t{0}, std::int16_t{-1}, std::int16_t{-32768}}) {
-    probe().maxSimCapacity() = -1;
-    capacity(code);
-    used(5);
-    clear();
-    EXPECT_EQ(handler().isSimFull(), 0);
-    EXPECT_EQ(trace(),
-              joined({{"Inside Function isSimFull", "Max SIM Capacity = " + number(code), "Used SIM Memory = 5"},
-                      notCompared,
-                      {"isSimFull=0"}}));
-  }
-}
-
-TEST_F(IsSimFull, CapacityOfMinus1_IsAskedForAgain) {
-  capacity(-1);
-  handler().isSimFull();
-  capacity(10);
-  used(10);
-  EXPECT_EQ(handler().isSimFull(), 1);
-}
-
-TEST_F(IsSimFull, CapacityOf0_IsNotAskedForAgain) {
-  capacity(0);
-  handler().isSimFull();
-  capacity(10);
-  used(10);
-  EXPECT_EQ(handler().isSimFull(), 0);
-}
-
-TEST_F(IsSimFull, WithoutAnSmsObject_IsMinus1) {
-  probe().sms() = nullptr;
-  EXPECT_EQ(handler().isSimFull(), -1);
-  EXPECT_EQ(trace(), (Lines{"Inside Function isSimFull", "isSimFull=-1"}));
-}
-
-TEST_F(IsSimFull, PhoneThatDoesNotAnswer_IsMinus1) {
-  sms->fails(u"StorageUsed", 70);
-  EXPECT_EQ(handler().isSimFull(), -1);
-  EXPECT_EQ(trace(),
-            (Lines{"Inside Function isSimFull", "Max SIM Capacity = 10", "Error:70, Permission denied, mrktxtmsg"}));
-  sms->fails(u"StorageCapacity", 70);
-  probe().maxSimCapacity() = -1;
-  clear();
-  EXPECT_EQ(handler().isSimFull(), -1);
-  EXPECT_EQ(trace(), (Lines{"Inside Function isSimFull", "Error:70, Permission denied, mrktxtmsg"}));
 }
 
 // A text message is deleted in the mail client

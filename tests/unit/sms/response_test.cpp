@@ -227,6 +227,54 @@ TEST_F(Response, LateSuccessOfAnEarlierSend_MovesTheEarlierItem) {
   EXPECT_EQ(probe().state(), IDLE);
 }
 
+// What moves is the item of the transaction, though another one is in progress by now.
+TEST_F(Response, LateSuccessWhileAnotherItemIsOnItsWay_MovesTheItemOfTheTransaction) {
+  const auto first = sendOne();
+  tick(guardTimer(), 25000);
+  const auto second = newItem(u"Bo [2]", u"Second");
+  outbox.contents.insert(outbox.contents.begin(), second);
+  tick(sendTimer(), 500);
+  ASSERT_EQ(created.size(), 2u);
+  clear();
+  answer(17, 0);
+  Lines expected = beginning(17, 0, 2);
+  for (const char* line : {"STATE_SEND - Send went well, remove transaction and move message to sent items folder",
+                           "Move message to sent items, and change status to read - EntryID = ID-1",
+                           "Inside Function MoveMessage", "MoveMessage - EntryId: ID-1 From: Outbox To: Sent Items",
+                           "MoveMessage - restrict folder items to TextMessage's", "MoveMessage = True",
+                           "To folder = Sent Items", "MoveMessage - bMoved: True",
+                           "Remove from transaction collection - TransactionID = 17", "SetupSendMessage: 1000000"})
+    expected.emplace_back(line);
+  EXPECT_EQ(trace(), expected);
+  EXPECT_EQ(sentMail.entryIds(), Lines{"ID-1"});
+  EXPECT_EQ(first->valueOf(u"UnRead"), Variant(false));
+  EXPECT_EQ(outbox.entryIds(), Lines{"ID-2"});
+  EXPECT_EQ(second->valueOf(u"UnRead"), Variant(true));
+  ASSERT_EQ(probe().transactions()->Count(), 1);
+  EXPECT_EQ(probe().transactions()->Item(u"Key:18")->EntryID, u"ID-2");
+  EXPECT_EQ(probe().entryId(), u"ID-2");
+  EXPECT_EQ(probe().state(), IDLE);
+  EXPECT_EQ(sendTimer().calls(),
+            (Lines{"Enabled = False", "Periodic = 0", "Interval = 500", "Resolution = 100", "Enabled = True"}));
+}
+
+// The tick makes its item the one in progress before the send is refused: the failure of the send that really is in
+// progress is counted on it, too.
+TEST_F(Response, SendFailedAfterARefusedTick_CountsOnTheItemOfTheTick) {
+  const auto first = sendOne();
+  const auto second = newItem(u"Bo [2]", u"Second");
+  outbox.contents.insert(outbox.contents.begin(), second);
+  tick(sendTimer(), 500);
+  EXPECT_EQ(second->valueOf(u"Mileage"), Variant(u"1"));
+  EXPECT_EQ(probe().entryId(), u"ID-2");
+  EXPECT_EQ(probe().state(), STATE_SEND);
+  answer(17, -1);
+  EXPECT_EQ(second->valueOf(u"Mileage"), Variant(u"2"));
+  EXPECT_EQ(first->valueOf(u"Mileage"), Variant(u""));
+  EXPECT_EQ(outbox.entryIds(), (Lines{"ID-2", "ID-1"}));
+  EXPECT_EQ(probe().state(), IDLE);
+}
+
 TEST_F(Response, AnswerBeforeTheTransactionIsKept_IsDropped) {
   const auto item = addItem(outbox, u"Anna [1]", u"Hello");
   sms->method(u"CreateShortMessage", [this](Args) -> Variant {
@@ -337,6 +385,25 @@ TEST_F(ListingResponse, MoreData_StaysAndExtendsTheTimeOutAfterTheMove) {
             (Lines{"MoveMessage - bMoved: True", "More data to come, don't remove transaction from collection",
                    "Extend timeout"}));
   EXPECT_EQ(probe().state(), STATE_LIST);
+  system.time.advance(5000);
+  EXPECT_FALSE(probe().timeOut()->TimeOut());
+  system.time.advance(1);
+  EXPECT_TRUE(probe().timeOut()->TimeOut());
+}
+
+TEST_F(ListingResponse, MoveThatTakesLong_IsNotTakenFromTheNextGap) {
+  probe().timeOut()->InitTimeOut(5000);
+  system.time.advance(4000);
+  const auto item = newItem(u"", u"Hi");
+  item->method(u"Move", [this, item = item.get()](Args args) -> Variant {
+    system.time.advance(3000);
+    moveTo(Ref<FakeObject>(item), *folderOf(to<Object>(args[0])));
+    return item->object();
+  });
+  helper->method(u"CreateMessage", [this, item](Args) -> Variant { return arrive(outbox, item), u"ID-1"; });
+  answer(21, resultMoreData, newShortMessage({.text = u"Hi"})->object());
+  EXPECT_EQ(inbox.entryIds(), Lines{"ID-1"});
+  EXPECT_EQ(system.time.elapsed(), 7000);
   system.time.advance(5000);
   EXPECT_FALSE(probe().timeOut()->TimeOut());
   system.time.advance(1);

@@ -153,6 +153,14 @@ TEST_F(SendFailure, NoMailItem_Stops) {
   EXPECT_EQ(item->valueOf(u"Mileage"), Variant(u""));
 }
 
+// Only an item that says it is no mail item is let off: a failing question is ignored like every other failing step.
+TEST_F(SendFailure, ItemThatCannotBeAskedForItsClass_IsCountedAllTheSame) {
+  item->fails(u"Class", -2147023174);
+  probe().HandleSendFailure(u"ID-1");
+  EXPECT_EQ(trace(), Lines{"Failed count:0"});
+  EXPECT_EQ(item->calls(), (Lines{"Class", "Mileage", "Mileage = \"1\"", "Save()"}));
+}
+
 TEST_F(SendFailure, NothingIsFound_Stops) {
   nameSpace->method(u"GetItemFromID", [](Args) -> Variant { return Object(); });
   probe().HandleSendFailure(u"ID-1");
