@@ -12,6 +12,7 @@ namespace testing_support {
 namespace {
 
 constexpr const wchar_t* optionsKey = L"Software\\Microsoft\\Office\\9.0\\Outlook\\Options\\TextMessage";
+constexpr const wchar_t* workerMutex = L"Marrick DVMWorker";  // held by the running dvmworker.exe
 constexpr const wchar_t* debugKey = L"SOFTWARE\\Marrick\\DbgOut";
 constexpr const wchar_t* writerKey = L"SOFTWARE\\Marrick\\DbgOut\\mrktxtmsg";
 constexpr const wchar_t* timerKey = L"Software\\Marrick\\timermm";
@@ -235,7 +236,32 @@ bool TraceLog::waitFor(const std::string& text, std::size_t from, std::uint32_t 
   return waitUntil([&] { return count(text, from) > 0; }, milliseconds);
 }
 
+namespace {
+
+bool workerRuns() {
+  const HANDLE mutex = OpenMutexW(SYNCHRONIZE, FALSE, workerMutex);
+  if (mutex) CloseHandle(mutex);
+  return mutex != nullptr;
+}
+
+// COM starts a server that is not there, but Wine then looks for it once a second only.
+void startWorker() {
+  if (workerRuns()) return;
+  std::wstring command = L"\"" + productFolder() + L"\\dvmworker.exe\" /Embedding";
+  STARTUPINFOW startup{};
+  startup.cb = sizeof startup;
+  PROCESS_INFORMATION information{};
+  if (!CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &information))
+    return;
+  WaitForInputIdle(information.hProcess, 10000);
+  CloseHandle(information.hThread);
+  CloseHandle(information.hProcess);
+}
+
+}  // namespace
+
 Handset Handset::connect() {
+  startWorker();
   com::Ptr<IDispatch> dispatch;
   if (FAILED(com::createObject(com::iidOf(servers::dvmworker::clsidHandset), dispatch))) platform::raiseError(429);
   return platform::as<Handset>(com::import(dispatch.get()));
@@ -252,7 +278,7 @@ bool killProcess(std::uint32_t id) {
 
 // Its mutex tells whether there is one, without starting it.
 void endWorker() {
-  const HANDLE mutex = OpenMutexW(SYNCHRONIZE, FALSE, L"Marrick DVMWorker");
+  const HANDLE mutex = OpenMutexW(SYNCHRONIZE, FALSE, workerMutex);
   if (!mutex) return;
   CloseHandle(mutex);
   killProcess(static_cast<std::uint32_t>(Handset::connect().ProcessId()));

@@ -6,7 +6,7 @@
 namespace failures_tests {
 namespace {
 
-const std::string serverIsGone = "Error:462, The remote server machine does not exist or is unavailable, mrktxtmsg";
+const std::string serverIsGone = "Error:-2147023174, The RPC server is unavailable., mrktxtmsg";
 const Lines refusedSend{"Inside Function SendAll", "mrktxtmsg (0) :SendAll - Not Idle",
                         "Error:2, Error during Send All, SendAndReceive"};
 const std::string receiveFailed = "Error: 1, Error during Receive All, SendAndReceive";
