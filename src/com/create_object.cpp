@@ -4,6 +4,11 @@ namespace com {
 namespace {
 
 constexpr auto serverUnavailable = static_cast<HRESULT>(0x800706BA);  // RPC_S_SERVER_UNAVAILABLE
+constexpr int mostTries = 8;
+
+bool isDead(HRESULT result) noexcept {
+  return result == serverUnavailable || result == RPC_E_DISCONNECTED || result == CO_E_OBJNOTCONNECTED;
+}
 
 HRESULT tryOnce(REFCLSID clsid, Ptr<IDispatch>& made) noexcept {
   return CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER | CLSCTX_LOCAL_SERVER, IID_IDispatch, made.putVoid());
@@ -12,9 +17,9 @@ HRESULT tryOnce(REFCLSID clsid, Ptr<IDispatch>& made) noexcept {
 }  // namespace
 
 HRESULT createObject(REFCLSID clsid, Ptr<IDispatch>& made) noexcept {
-  const HRESULT first = tryOnce(clsid, made);
-  const bool dead = first == serverUnavailable || first == RPC_E_DISCONNECTED || first == CO_E_OBJNOTCONNECTED;
-  return dead ? tryOnce(clsid, made) : first;
+  HRESULT result = tryOnce(clsid, made);
+  for (int tries = 1; tries < mostTries && isDead(result); ++tries) result = tryOnce(clsid, made);
+  return result;
 }
 
 }  // namespace com

@@ -5,8 +5,8 @@
 
 namespace com {
 
-// From a DLL or a local server. A server that was killed a moment ago may still be on offer, and what it offers is
-// dead: then a second try gets a server that lives.
+// From a DLL or a local server. A server that was killed may still be on offer, and what it offers is dead. A try takes
+// such an offer away, so that a later one gets a server that lives, however many were killed before anybody asked.
 HRESULT createObject(REFCLSID clsid, Ptr<IDispatch>& made) noexcept;
 
 }  // namespace com

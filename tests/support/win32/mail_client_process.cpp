@@ -1,5 +1,7 @@
 #include "support/win32/mail_client_process.h"
 
+#include <atomic>
+
 #include "com/windows.h"
 
 namespace testing_support {
@@ -47,6 +49,9 @@ class MailClientProcess::Pipes {
   ~Pipes() {
     if (isRunning()) TerminateProcess(process_.get(), 99);
     input_.close();
+    stop_ = true;
+    DWORD written = 0;
+    WriteFile(wake_.get(), "\n", 1, &written, nullptr);
     WaitForSingleObject(reader_, 5000);
     CloseHandle(reader_);
     CloseHandle(arrived_);
@@ -62,6 +67,11 @@ class MailClientProcess::Pipes {
     waitForEnd(5000);
   }
   DWORD id() const { return id_; }
+  DWORD exitCode() const {
+    DWORD code = 0;
+    GetExitCodeProcess(process_.get(), &code);
+    return code;
+  }
 
   void write(const std::string& line) {
     DWORD written = 0;
@@ -72,13 +82,15 @@ class MailClientProcess::Pipes {
   template <class F>
   bool waitFor(DWORD milliseconds, F&& take) {
     const DWORD start = GetTickCount();
-    while (true) {
+    for (bool over = false;;) {
+      const bool running = isRunning();
       EnterCriticalSection(&lock_);
       const bool content = take(lines_);
       LeaveCriticalSection(&lock_);
       if (content) return true;
       const DWORD passed = GetTickCount() - start;
-      if (passed >= milliseconds || (ended_ && !isRunning())) return false;
+      if (passed >= milliseconds || over) return false;
+      over = !running;  // one more look: its last lines may be on their way
       WaitForSingleObject(arrived_, milliseconds - passed < 200 ? milliseconds - passed : 200);
     }
   }
@@ -90,6 +102,9 @@ class MailClientProcess::Pipes {
     Handle childOutput;
     CreatePipe(childInput.put(), input_.put(), &inherited, 0);
     CreatePipe(output_.put(), childOutput.put(), &inherited, 0);
+    // What the process starts may keep its output open after its end: the reader is woken by us.
+    DuplicateHandle(GetCurrentProcess(), childOutput.get(), GetCurrentProcess(), wake_.put(), 0, FALSE,
+                    DUPLICATE_SAME_ACCESS);
     SetHandleInformation(input_.get(), HANDLE_FLAG_INHERIT, 0);
     SetHandleInformation(output_.get(), HANDLE_FLAG_INHERIT, 0);
     STARTUPINFOW startup{};
@@ -111,7 +126,7 @@ class MailClientProcess::Pipes {
     std::string line;
     char buffer[4096];
     DWORD count = 0;
-    while (ReadFile(pipes.output_.get(), buffer, sizeof buffer, &count, nullptr) && count > 0) {
+    while (ReadFile(pipes.output_.get(), buffer, sizeof buffer, &count, nullptr) && count > 0 && !pipes.stop_) {
       for (DWORD i = 0; i < count; ++i) {
         if (buffer[i] == '\n') {
           pipes.add(std::move(line));
@@ -121,8 +136,6 @@ class MailClientProcess::Pipes {
         }
       }
     }
-    pipes.ended_ = true;
-    SetEvent(pipes.arrived_);
     return 0;
   }
   void add(std::string line) {
@@ -138,8 +151,9 @@ class MailClientProcess::Pipes {
   Handle process_;
   Handle input_;
   Handle output_;
+  Handle wake_;  // the other end of output_
   DWORD id_ = 0;
-  volatile bool ended_ = false;
+  std::atomic<bool> stop_{false};
   std::vector<std::string> lines_;
 };
 
@@ -152,6 +166,8 @@ MailClientProcess::~MailClientProcess() = default;
 
 bool MailClientProcess::isRunning() const { return pipes_->isRunning(); }
 std::uint32_t MailClientProcess::processId() const { return pipes_->id(); }
+std::uint32_t MailClientProcess::exitCode() const { return pipes_->exitCode(); }
+bool MailClientProcess::waitForEnd(std::uint32_t milliseconds) const { return pipes_->waitForEnd(milliseconds); }
 void MailClientProcess::kill() { pipes_->kill(); }
 
 int MailClientProcess::send(std::string_view command) {
@@ -184,7 +200,7 @@ Answer MailClientProcess::answerTo(int number, std::uint32_t milliseconds) {
 
 bool MailClientProcess::quit(std::uint32_t milliseconds) {
   send("quit");
-  return pipes_->waitForEnd(milliseconds);
+  return waitForEnd(milliseconds);
 }
 
 std::string MailClientProcess::field(const std::string& line, const std::string& name) {

@@ -30,6 +30,10 @@ class MailClientProcess {
   bool isReady() const { return ready_; }
   bool isRunning() const;
   std::uint32_t processId() const;
+  // What the process ended with; 259 while it runs.
+  std::uint32_t exitCode() const;
+  // False when it does not end by itself in time.
+  bool waitForEnd(std::uint32_t milliseconds = 30000) const;
   void kill();
 
   Answer ask(std::string_view command, std::uint32_t milliseconds = 30000) {

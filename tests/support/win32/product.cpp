@@ -1,8 +1,11 @@
 #include "support/win32/product.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "com/bridge.h"
+#include "com/create_object.h"
+#include "servers/dvmworker/handset_control.h"
 #include "support/win32/mail_client_process.h"
 
 namespace testing_support {
@@ -10,7 +13,16 @@ namespace {
 
 constexpr const wchar_t* optionsKey = L"Software\\Microsoft\\Office\\9.0\\Outlook\\Options\\TextMessage";
 constexpr const wchar_t* installationKey = L"Software\\Marrick\\TextMessageAddIn";
+constexpr const wchar_t* workerMutex = L"Marrick DVMWorker";  // held by the running dvmworker.exe
 constexpr const wchar_t* debugKey = L"SOFTWARE\\Marrick\\DbgOut";
+constexpr const wchar_t* writerKey = L"SOFTWARE\\Marrick\\DbgOut\\mrktxtmsg";
+constexpr const wchar_t* timerKey = L"Software\\Marrick\\timermm";
+constexpr const wchar_t* workerKey = L"Software\\Marrick\\DVMWorker";
+
+constexpr const wchar_t* addInKey = L"Software\\Microsoft\\Office\\Outlook\\Addins\\mrktxtmsg.connect";
+
+constexpr const wchar_t* dlls[] = {L"timermm.dll", L"mrktxtmsghelper.dll", L"sms_object.dll", L"mrktxtmsg.dll"};
+constexpr const wchar_t* workerFile = L"dvmworker.exe";
 
 std::string narrow(const std::wstring& text) { return {text.begin(), text.end()}; }  // ASCII paths and names
 
@@ -33,6 +45,10 @@ void removeValue(HKEY root, const wchar_t* path, const wchar_t* name) {
   RegCloseKey(key);
 }
 
+bool isDll(const std::wstring& file) { return file.ends_with(L".dll"); }
+
+HWND findViewer() { return FindWindowW(L"DebugOut Window", L"DebugOutput"); }
+
 // Runs a program to its end; its exit code, or -1.
 int runProgram(std::wstring command) {
   STARTUPINFOW startup{};
@@ -50,42 +66,147 @@ int runProgram(std::wstring command) {
 
 }  // namespace
 
+bool registerServer(const std::wstring& file) {
+  const std::wstring path = L"\"" + productFolder() + L"\\" + file + L"\"";
+  return runProgram(isDll(file) ? L"regsvr32 /s " + path : path + L" /RegServer") == 0;
+}
+
+bool unregisterServer(const std::wstring& file) {
+  const std::wstring path = L"\"" + productFolder() + L"\\" + file + L"\"";
+  return runProgram(isDll(file) ? L"regsvr32 /u /s " + path : path + L" /UnregServer") == 0;
+}
+
 std::vector<std::string> registerProduct() {
   std::vector<std::string> done;
-  const auto run = [&](const std::wstring& command, const std::string& what) {
-    done.push_back((runProgram(command) == 0 ? "" : "failed: ") + what);
-  };
-  const std::wstring folder = productFolder();
-  for (const wchar_t* const dll : {L"timermm.dll", L"mrktxtmsghelper.dll", L"sms_object.dll", L"mrktxtmsg.dll"})
-    run(L"regsvr32 /s \"" + folder + L"\\" + dll + L"\"", "regsvr32 " + narrow(dll));
-  run(L"\"" + folder + L"\\dvmworker.exe\" /RegServer", "dvmworker.exe /RegServer");
-  setText(HKEY_LOCAL_MACHINE, installationKey, L"SMSCPath", folder + L"\\smsc.txt");
+  for (const wchar_t* const dll : dlls)
+    done.push_back((registerServer(dll) ? "regsvr32 " : "failed: regsvr32 ") + narrow(dll));
+  done.push_back((registerServer(workerFile) ? "" : "failed: ") + narrow(workerFile) + " /RegServer");
+  setText(HKEY_LOCAL_MACHINE, installationKey, L"SMSCPath", productFolder() + L"\\smsc.txt");
   return done;
 }
 
+std::vector<std::string> unregisterProduct() {
+  std::vector<std::string> done;
+  for (const wchar_t* const dll : dlls)
+    done.push_back((unregisterServer(dll) ? "regsvr32 /u " : "failed: regsvr32 /u ") + narrow(dll));
+  done.push_back((unregisterServer(workerFile) ? "" : "failed: ") + narrow(workerFile) + " /UnregServer");
+  return done;
+}
+
+void setLoadBehavior(std::uint32_t number) { setNumber(HKEY_CURRENT_USER, addInKey, L"LoadBehavior", number); }
 void setOption(const wchar_t* name, std::uint32_t number) { setNumber(HKEY_CURRENT_USER, optionsKey, name, number); }
 void setOption(const wchar_t* name, const wchar_t* text) { setText(HKEY_CURRENT_USER, optionsKey, name, text); }
+void setOption(const wchar_t* name, std::uint32_t type, const std::vector<std::byte>& data) {
+  setValue(HKEY_CURRENT_USER, optionsKey, name, type, data.data(), static_cast<DWORD>(data.size()));
+}
 void removeOption(const wchar_t* name) { removeValue(HKEY_CURRENT_USER, optionsKey, name); }
 void removeAllOptions() { RegDeleteKeyW(HKEY_CURRENT_USER, optionsKey); }
 
 void setShortMinute(std::uint32_t milliseconds) {
-  setNumber(HKEY_CURRENT_USER, L"Software\\Marrick\\timermm", L"ShortenMinute", milliseconds);
+  setNumber(HKEY_CURRENT_USER, timerKey, L"ShortenMinute", milliseconds);
 }
-void setHandsetStateFile(const std::wstring& path) {
-  setText(HKEY_CURRENT_USER, L"Software\\Marrick\\DVMWorker", L"StateFile", path);
+void setHandsetStateFile(const std::wstring& path) { setText(HKEY_CURRENT_USER, workerKey, L"StateFile", path); }
+
+class SavedSettings::Key {
+ public:
+  Key(HKEY root, const wchar_t* path) : root_(root), path_(path) {
+    HKEY key = nullptr;
+    existed_ = RegOpenKeyExW(root_, path_, 0, KEY_READ, &key) == ERROR_SUCCESS;
+    if (!existed_) return;
+    values_ = valuesOf(key);
+    RegCloseKey(key);
+  }
+  Key(const Key&) = delete;
+  Key& operator=(const Key&) = delete;
+  ~Key() {
+    HKEY key = nullptr;
+    if (RegOpenKeyExW(root_, path_, 0, KEY_READ | KEY_WRITE, &key) == ERROR_SUCCESS) {
+      for (const Value& value : valuesOf(key)) RegDeleteValueW(key, value.name.c_str());
+      RegCloseKey(key);
+    }
+    for (const Value& value : values_)
+      setValue(root_, path_, value.name.c_str(), value.type, value.data.data(), static_cast<DWORD>(value.data.size()));
+    if (!existed_) RegDeleteKeyW(root_, path_);
+  }
+
+ private:
+  struct Value {
+    std::wstring name;
+    DWORD type;
+    std::vector<BYTE> data;
+  };
+
+  static std::vector<Value> valuesOf(HKEY key) {
+    std::vector<Value> values;
+    for (DWORD i = 0;; ++i) {
+      wchar_t name[256];
+      DWORD length = static_cast<DWORD>(std::size(name));
+      DWORD type = 0;
+      DWORD size = 0;
+      if (RegEnumValueW(key, i, name, &length, nullptr, &type, nullptr, &size) != ERROR_SUCCESS) return values;
+      Value value{name, type, std::vector<BYTE>(size)};
+      RegQueryValueExW(key, name, nullptr, &type, value.data.data(), &size);
+      values.push_back(std::move(value));
+    }
+  }
+
+  HKEY root_;
+  const wchar_t* path_;
+  bool existed_ = false;
+  std::vector<Value> values_;
+};
+
+SavedSettings::SavedSettings() {
+  for (const wchar_t* const path : {optionsKey, timerKey, workerKey, addInKey})
+    keys_.push_back(std::make_unique<Key>(HKEY_CURRENT_USER, path));
+  for (const wchar_t* const path : {debugKey, writerKey})
+    keys_.push_back(std::make_unique<Key>(HKEY_LOCAL_MACHINE, path));
+}
+
+SavedSettings::~SavedSettings() {
+  while (!keys_.empty()) keys_.pop_back();  // a key that came into being goes before the one above it
 }
 
 TraceLog::TraceLog(std::wstring file) : file_(std::move(file)) {
   DeleteFileW(file_.c_str());
   setNumber(HKEY_LOCAL_MACHINE, debugKey, L"Enabled", 1);
-  setText(HKEY_LOCAL_MACHINE, debugKey, L"Path", L"\"" + productFolder() + L"\\dbgview.exe\" --log \"" + file_ + L"\"");
-  setNumber(HKEY_LOCAL_MACHINE, (std::wstring(debugKey) + L"\\mrktxtmsg").c_str(), L"Level", 2);
+  setText(HKEY_LOCAL_MACHINE, debugKey, L"Path", viewerCommand());
+  setNumber(HKEY_LOCAL_MACHINE, writerKey, L"Level", 2);
 }
 
+// Not by closing its window: without a window manager, Wine takes two seconds to destroy a minimised one. The file is
+// complete after each line.
 TraceLog::~TraceLog() {
-  if (const HWND viewer = FindWindowW(L"DebugOut Window", L"DebugOutput")) PostMessageW(viewer, WM_CLOSE, 0, 0);
+  if (const HWND viewer = findViewer()) {
+    DWORD id = 0;
+    GetWindowThreadProcessId(viewer, &id);
+    killProcess(id);
+  }
   removeValue(HKEY_LOCAL_MACHINE, debugKey, L"Enabled");
   removeValue(HKEY_LOCAL_MACHINE, debugKey, L"Path");
+}
+
+std::wstring TraceLog::viewerCommand() const {
+  return L"\"" + productFolder() + L"\\dbgview.exe\" --log \"" + file_ + L"\"";
+}
+
+bool TraceLog::startViewer() const {
+  STARTUPINFOW startup{};
+  startup.cb = sizeof startup;
+  startup.dwFlags = STARTF_USESHOWWINDOW;
+  startup.wShowWindow = SW_SHOWMINNOACTIVE;
+  PROCESS_INFORMATION information{};
+  std::wstring command = viewerCommand();
+  if (!CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &information))
+    return false;
+  CloseHandle(information.hThread);
+  CloseHandle(information.hProcess);
+  return waitUntil([] { return findViewer() != nullptr; });
+}
+
+void TraceLog::set(Where where, const wchar_t* name, std::uint32_t type, const std::vector<std::byte>& data) {
+  setValue(HKEY_LOCAL_MACHINE, where == Where::Channel ? debugKey : writerKey, name, type, data.data(),
+           static_cast<DWORD>(data.size()));
 }
 
 std::vector<std::string> TraceLog::lines(std::size_t from) const {
@@ -117,13 +238,52 @@ bool TraceLog::waitFor(const std::string& text, std::size_t from, std::uint32_t 
   return waitUntil([&] { return count(text, from) > 0; }, milliseconds);
 }
 
+namespace {
+
+bool workerRuns() {
+  const HANDLE mutex = OpenMutexW(SYNCHRONIZE, FALSE, workerMutex);
+  if (mutex) CloseHandle(mutex);
+  return mutex != nullptr;
+}
+
+// COM starts a server that is not there, but Wine then looks for it once a second only.
+void startWorker() {
+  if (workerRuns()) return;
+  std::wstring command = L"\"" + productFolder() + L"\\dvmworker.exe\" /Embedding";
+  STARTUPINFOW startup{};
+  startup.cb = sizeof startup;
+  PROCESS_INFORMATION information{};
+  if (!CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &information))
+    return;
+  WaitForInputIdle(information.hProcess, 10000);
+  CloseHandle(information.hThread);
+  CloseHandle(information.hProcess);
+}
+
+}  // namespace
+
 Handset Handset::connect() {
-  CLSID clsid{};
+  startWorker();
   com::Ptr<IDispatch> dispatch;
-  if (FAILED(CLSIDFromProgID(L"DVMWorker.Handset", &clsid)) ||
-      FAILED(CoCreateInstance(clsid, nullptr, CLSCTX_LOCAL_SERVER, IID_IDispatch, dispatch.putVoid())))
-    platform::raiseError(429);
+  if (FAILED(com::createObject(com::iidOf(servers::dvmworker::clsidHandset), dispatch))) platform::raiseError(429);
   return platform::as<Handset>(com::import(dispatch.get()));
+}
+
+bool killProcess(std::uint32_t id) {
+  const HANDLE process = OpenProcess(PROCESS_TERMINATE | SYNCHRONIZE, FALSE, id);
+  if (!process) return false;
+  TerminateProcess(process, 1);
+  const bool ended = WaitForSingleObject(process, 10000) == WAIT_OBJECT_0;
+  CloseHandle(process);
+  return ended;
+}
+
+// Its mutex tells whether there is one, without starting it.
+void endWorker() {
+  const HANDLE mutex = OpenMutexW(SYNCHRONIZE, FALSE, workerMutex);
+  if (!mutex) return;
+  CloseHandle(mutex);
+  killProcess(static_cast<std::uint32_t>(Handset::connect().ProcessId()));
 }
 
 bool closeWindow(const wchar_t* title, std::uint32_t milliseconds) {

@@ -1,7 +1,9 @@
 // The installed product, as tests set it up: registration, settings, the trace, the simulated handset.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -13,10 +15,19 @@ namespace testing_support {
 // centres. The lines say what was done; a
 // line that begins with "failed" says what was not.
 std::vector<std::string> registerProduct();
+std::vector<std::string> unregisterProduct();
+
+// One file of the product, such as timermm.dll or dvmworker.exe. False when it could not be done.
+bool registerServer(const std::wstring& file);
+bool unregisterServer(const std::wstring& file);
+
+// What a mail client remembers of the add-in: 3 loads it at the next start, 2 does not.
+void setLoadBehavior(std::uint32_t number);
 
 // Values under the add-in's Options key of the present user.
 void setOption(const wchar_t* name, std::uint32_t number);
 void setOption(const wchar_t* name, const wchar_t* text);
+void setOption(const wchar_t* name, std::uint32_t type, const std::vector<std::byte>& data);  // of any type and size
 void removeOption(const wchar_t* name);
 void removeAllOptions();
 
@@ -24,13 +35,32 @@ void removeAllOptions();
 void setShortMinute(std::uint32_t milliseconds);
 void setHandsetStateFile(const std::wstring& path);
 
+// The values of all keys that the product and its tests use, put back as they were.
+class SavedSettings {
+ public:
+  SavedSettings();
+  ~SavedSettings();
+  SavedSettings(const SavedSettings&) = delete;
+  SavedSettings& operator=(const SavedSettings&) = delete;
+
+ private:
+  class Key;
+  std::vector<std::unique_ptr<Key>> keys_;
+};
+
 // The trace: the add-in starts the viewer itself, which writes what it shows into the file.
 class TraceLog {
  public:
   explicit TraceLog(std::wstring file);
-  ~TraceLog();  // ends the viewer
+  ~TraceLog();  // ends the viewer, and waits for that: the next one is not to find it
   TraceLog(const TraceLog&) = delete;
   TraceLog& operator=(const TraceLog&) = delete;
+
+  // Starts the viewer before the add-in does, or instead of it. False when it does not come.
+  bool startViewer() const;
+  // What the add-in finds of its own settings: the trace's key, or the one below it for its level.
+  enum class Where : std::uint8_t { Channel, Writer };
+  static void set(Where where, const wchar_t* name, std::uint32_t type, const std::vector<std::byte>& data);
 
   // Lines from a position on, without the line end.
   std::vector<std::string> lines(std::size_t from = 0) const;
@@ -40,6 +70,8 @@ class TraceLog {
   std::size_t count(const std::string& text, std::size_t from = 0) const;
 
  private:
+  std::wstring viewerCommand() const;
+
   std::wstring file_;
 };
 
@@ -58,6 +90,7 @@ class Handset : public platform::Object {
                    platform::StringView time) const {
     return call<std::int16_t>(u"Put", store, status, number, text, time);
   }
+  void SetCapacity(std::int32_t store, std::int16_t capacity) const { call(u"SetCapacity", store, capacity); }
   void Clear(std::int32_t store) const { call(u"Clear", store); }
   std::int16_t Fill(std::int32_t store) const { return call<std::int16_t>(u"Fill", store); }
   std::int32_t StoredCount(std::int32_t store) const { return call<std::int32_t>(u"StoredCount", store); }
@@ -71,6 +104,11 @@ class Handset : public platform::Object {
   void ClearSent() const { call(u"ClearSent"); }
   std::int32_t ProcessId() const { return call<std::int32_t>(u"ProcessId"); }
 };
+
+// Kills a process, as a crash would, and waits for its end.
+bool killProcess(std::uint32_t id);
+// Kills dvmworker.exe when it runs. COM must be initialised.
+void endWorker();
 
 // Waits until the condition holds. False when the time is over.
 template <class F>

@@ -188,7 +188,8 @@ TEST_F(DbgOutTest, Init_ViewerAtTheEleventhLookUp_IsStillFound) {
   native.windows.openViewer().opensAtLookUp = 11;
   DbgOutInit(u"mrktxtmsg");
   EXPECT_EQ(native.time.sleeps().size(), 10u);
-  EXPECT_EQ(received().size(), 1u);
+  // The header's time is that of its sending: a second of waiting has passed.
+  EXPECT_EQ(native.trace(), Lines{" *********** ProcessName: mrktxtmsg - Level: 2 - Time: 2/3/2001 4:05:07 AM"});
 }
 
 TEST_F(DbgOutTest, Init_WithAViewerRunning_StartsTheProgramAllTheSame) {
@@ -324,6 +325,35 @@ TEST_F(OpenChannelTest, Levels_UpToTheChannelsPass) {
   EXPECT_EQ(sent(255, u"x"), "mrktxtmsg (255) :x\r\n\0"s);
   EXPECT_EQ(sent(256, u"x"), "nothing");
   EXPECT_EQ(native.windows.beeps(), 0);  // this channel is not visible
+}
+
+TEST_F(OpenChannelTest, ChannelBelowLevel0_FiltersWarningsOutBeforeTheyBeep) {
+  open(0xFFFFFFFF, 1);
+  EXPECT_EQ(sent(0, u"x"), "nothing");
+  EXPECT_EQ(native.windows.beeps(), 0);
+  EXPECT_EQ(sent(-1, u"x"), "mrktxtmsg (-1) :x\r\n\0"s);
+}
+
+// A line that nobody wants costs next to nothing: its pieces are not even made into text.
+TEST_F(OpenChannelTest, FilteredLine_BuildsNoText) {
+  struct CountingLocale final : Locale {
+    std::string toAnsi(StringView text) override { return std::string(text.begin(), text.end()); }
+    String fromAnsi(std::string_view text) override { return String(text.begin(), text.end()); }
+    String dateText(Date) override {
+      ++dates;
+      return u"then";
+    }
+    int dates = 0;
+  } locale;
+  System counting{native.time,  native.time,    locale,    native.registry, native.windows,
+                  native.shell, native.objects, native.ui, native.module};
+  System* const before = std::exchange(platform::currentSystem, &counting);
+  DbgOut(3, u"x", Date{1});
+  EXPECT_EQ(locale.dates, 0);
+  DbgOut(2, u"x", Date{1});
+  EXPECT_EQ(locale.dates, 1);
+  platform::currentSystem = before;
+  EXPECT_EQ(native.trace(), Lines{"xthen"});
 }
 
 TEST_F(OpenChannelTest, Level0Channel_PassesLevel0AndTheHeaderOnly_AndBeepsWhenVisible) {

@@ -19,6 +19,7 @@
 #include "support/native_system.h"
 #include "support/seam_recorder.h"
 #include "support/text.h"
+#include "support/trace_levels.h"
 
 namespace addin {
 
@@ -53,7 +54,11 @@ class HostFixture : public testing::Test {
 
   // What was written since the last look.
   Lines newTrace() {
-    Lines lines = system.trace();
+    Lines lines;
+    for (const auto& line : system.windows.traceLines()) {
+      EXPECT_EQ(line.level, testing_support::levelOf(line.text)) << line.text;
+      lines.push_back(line.text);
+    }
     system.windows.clearTrace();
     return lines;
   }

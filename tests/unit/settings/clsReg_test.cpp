@@ -84,6 +84,17 @@ TEST_F(RegTest, String_FailureOfTheFirstRead_IsTracedAndTheSecondIsTried) {
   EXPECT_EQ(native.windows.traceLines(), (std::vector<TraceLine>{{"", 2, "Error in GetRegString"}}));
 }
 
+TEST_F(RegTest, String_FailureOfBothReads_IsTracedTwiceAndTheDefault) {
+  registry.setString(rootCurrentUser, path, "RESPATH", "user");
+  registry.setString(rootLocalMachine, path, "RESPATH", "machine");
+  registry.afterCall = [](const std::string& line) {
+    if (line.starts_with("open ")) raiseError(7);
+  };
+  EXPECT_EQ(text(u"RESPATH"), u"default");
+  EXPECT_EQ(native.windows.traceLines(),
+            (std::vector<TraceLine>{{"", 2, "Error in GetRegString"}, {"", 2, "Error in GetRegString"}}));
+}
+
 TEST_F(RegTest, Dword_OfTheUser_ComesFirst) {
   registry.setDword(rootCurrentUser, path, "LANGID", 1053);
   registry.setDword(rootLocalMachine, path, "LANGID", 1031);

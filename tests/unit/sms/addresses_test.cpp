@@ -121,6 +121,14 @@ TEST_F(GetServiceCentreAddress, FlagThatIsNoNumber_IsLoggedAndGivesTheBuiltInNum
   EXPECT_EQ(trace(), Lines{"Error:13, Type mismatch, mrktxtmsg"});
 }
 
+// A flag that is there but empty is no number either; only one that is missing counts as 0.
+TEST_F(GetServiceCentreAddress, FlagThatIsAnEmptyText_IsLoggedAndGivesTheBuiltInNumber) {
+  option("SCAddress", "Operator (+47 123)");
+  option("SCAddress_UseOwn", "");
+  EXPECT_EQ(serviceCentre(), fallback);
+  EXPECT_EQ(trace(), Lines{"Error:13, Type mismatch, mrktxtmsg"});
+}
+
 TEST_F(GetServiceCentreAddress, SettingsOfTheMachine_AreNotLookedAt) {
   system.registry.setString(rootLocalMachine, optionsKey, "SCAddress", "Operator (+47 123)");
   EXPECT_EQ(serviceCentre(), fallback);
@@ -133,6 +141,16 @@ TEST_F(GetOwnAddress, NameAndNumber_AreJoinedAsADisplayAddress) {
   option("My_FullName", "Anna Berg");
   option("My_PhoneNo", "+46 (70) 1");
   EXPECT_EQ(own(), "Anna Berg [+46 (70) 1]");  // the number as typed
+}
+
+TEST_F(GetOwnAddress, ReadsTheNameAndThenTheNumber) {
+  system.registry.setKey(rootCurrentUser, optionsKey);
+  system.registry.clearLog();
+  own();
+  const std::string key = std::string("HKCU\\") + optionsKey;
+  EXPECT_EQ(system.registry.log(),
+            (Lines{"open " + key, "query size " + key + " \"My_FullName\" -> 2", "close " + key, "open " + key,
+                   "query size " + key + " \"My_PhoneNo\" -> 2", "close " + key}));
 }
 
 TEST_F(GetOwnAddress, OnlyAName_EndsInASpace) {

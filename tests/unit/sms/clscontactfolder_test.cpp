@@ -133,6 +133,13 @@ TEST_F(FindContact, SubfoldersThatCannotBeRead_AreLoggedAndNothingIsFound) {
   EXPECT_EQ(trace(), Lines{"Error:70, Permission denied, mrktxtmsg"});
 }
 
+TEST_F(FindContact, SubfolderWhoseItemsFail_EndsTheWalk) {
+  contacts.addSubfolder("Locked").folder->fails(u"Items", 70);
+  addContact(contacts.addSubfolder("Open"), u"Anna", u"+1");
+  EXPECT_EQ(found(u"+1"), "Nothing");
+  EXPECT_EQ(trace(), Lines{"Error:70, Permission denied, mrktxtmsg"});
+}
+
 TEST_F(FindContact, FolderWhoseItemsFail_IsAnErrorOfTheSearchItself) {
   contacts.folder->fails(u"Items", 70);
   addContact(contacts.addSubfolder("A"), u"Anna", u"+1");

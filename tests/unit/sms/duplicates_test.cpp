@@ -35,7 +35,8 @@ class Duplicates : public EngineFixture {
   Duplicates() { start(); }
 
   bool find(StringView recipient, StringView body, StringView sentOn, std::int32_t folder = FOLDER_INBOX) {
-    return probe().FindTextMessage(folder, recipient, u"subject", String(body), String(sentOn));
+    String text(body);
+    return probe().FindTextMessage(folder, recipient, u"subject", text, String(sentOn));
   }
   bool findSameAsMine(StringView body) { return find(me, body, time); }
 
@@ -165,12 +166,13 @@ TEST_F(FindTextMessage, TextsOfNothingButSpacesAndLineBreaks_AreEqual) {
 TEST_F(FindTextMessage, SubjectIsNotLookedAt) {
   addItem(inbox, topicOf(me, time), u"Hello")->value(u"Subject", u"One");
   readFolders();
-  EXPECT_TRUE(probe().FindTextMessage(FOLDER_INBOX, me, u"Two", u"Hello", String(time)));
+  String body = u"Hello";
+  EXPECT_TRUE(probe().FindTextMessage(FOLDER_INBOX, me, u"Two", body, String(time)));
 }
 
 // The item must get the text as it came, so the search works on its own copy.
 TEST_F(FindTextMessage, TheCallersTextIsNotNormalised) {
-  const String body = u"a b\r\n";
+  String body = u"a b\r\n";
   probe().FindTextMessage(FOLDER_INBOX, me, u"", body, String(time));
   EXPECT_EQ(body, u"a b\r\n");
 }
@@ -327,6 +329,9 @@ TEST_F(BuildFolderCollection, CacheDroppedMeanwhile_IsReadToItsEnd) {
   system.windows.viewer().whenReceiving = [&](const testing_support::CopyData&) { probe().colInbox() = nullptr; };
   EXPECT_FALSE(findSameAsMine(u"First"));  // the cache is gone by the time it is asked for
   system.windows.viewer().whenReceiving = nullptr;
+  const Lines lines = trace();
+  EXPECT_EQ(std::count(lines.begin(), lines.end(), "colfolder.Add called"), 2);
+  EXPECT_EQ(std::count_if(lines.begin(), lines.end(), [](const auto& l) { return l.starts_with("Error:"); }), 0);
   EXPECT_FALSE(probe().colInbox());
   EXPECT_TRUE(findSameAsMine(u"First"));
 }

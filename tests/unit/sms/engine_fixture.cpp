@@ -4,6 +4,7 @@
 
 #include "addin/diag/basDbgOut.h"
 #include "support/text.h"
+#include "support/trace_levels.h"
 
 namespace sms_tests {
 
@@ -191,11 +192,10 @@ void EngineWorld::start() {
   clear();
 }
 
-// Tests look at the texts of the trace; the levels go with the texts, so they are looked at here for all of them. One
-// line of the engine is a warning, every other one is ordinary.
+// Tests look at the texts of the trace; the levels go with the texts, so they are looked at here for all of them.
 void EngineWorld::expectLevels() const {
   for (const auto& line : system.windows.traceLines())
-    EXPECT_EQ(line.level, line.text == "SendAll - Not Idle" ? 0 : 2) << line.text;
+    EXPECT_EQ(line.level, testing_support::levelOf(line.text)) << line.text;
 }
 
 void EngineWorld::clear() {

@@ -67,6 +67,63 @@ TEST_F(InitCAPIObjects, CreatesObjectsInOrder) {
   EXPECT_EQ(Object(probe().guardTimer().get()), timers[1]->object());
 }
 
+// Each line comes before what it announces.
+TEST_F(InitCAPIObjects, LinesAndCreations_Alternate) {
+  attached.clear();
+  handler().InitCAPIObjects();
+  Lines order;
+  for (const auto& line : system.journal.lines()) {
+    if (line.starts_with("send ")) order.emplace_back("line");
+    if (line.starts_with("create object ")) order.push_back(line.substr(14));
+  }
+  EXPECT_EQ(order, (Lines{"line", "line", "timermm.Timer", "timermm.Timer", "line", "line", "line",
+                          "Mrktxtmsghelper.TxtMsg", "line", "DVMWorker.Worker"}));
+}
+
+TEST_F(InitCAPIObjects, SecondTimerFails_StateIsNotSetYet) {
+  probe().state() = STATE_SEND;
+  system.objects.provide(timermm::progIdTimer, [this] {
+    if (!timers.empty()) raiseError(429);
+    return timers.emplace_back(fake("SendTimer"))->object();
+  });
+  EXPECT_FALSE(handler().InitCAPIObjects());
+  EXPECT_EQ(trace(), (Lines{"Inside Function InitCAPIObjects", "Create timer",
+                            "Error:429, ActiveX component can't create object, mrktxtmsg"}));
+  EXPECT_EQ(probe().state(), STATE_SEND);
+  ASSERT_EQ(timers.size(), 1u);
+  EXPECT_EQ(Object(probe().timer().get()), timers[0]->object());
+  EXPECT_FALSE(probe().guardTimer());
+}
+
+TEST_F(InitCAPIObjects, OwnerIsToldAfterThePhoneIsThere) {
+  bool connected = false;
+  bool hasPhone = false;
+  owner->whenNoticed = [&](bool) {
+    connected = handler().IsPhoneConnected();
+    hasPhone = bool(probe().cellPhone());
+  };
+  handler().InitCAPIObjects();
+  EXPECT_EQ(owner->notices, std::vector<bool>{true});
+  EXPECT_TRUE(connected);
+  EXPECT_TRUE(hasPhone);
+}
+
+TEST(InitCAPIObjectsFaults, EachCall_IsLoggedOnceAndEndsItFalse) {
+  const RuntimeError gone(-2147023174, u"Server", u"The RPC server is unavailable.");
+  const auto calls = testing_support::failEachCall(gone, [](FaultInjector& injector) {
+    EngineWorld world;
+    const bool result = world.handler().InitCAPIObjects();
+    const bool failed = !injector.failed().empty();
+    EXPECT_EQ(result, !failed);
+    const Lines lines = world.trace();
+    EXPECT_EQ(std::count_if(lines.begin(), lines.end(), [](const auto& l) { return l.starts_with("Error:"); }),
+              failed ? 1 : 0);
+    EXPECT_EQ(lines.back(), failed ? "Error:-2147023174, The RPC server is unavailable., Server" : phoneFound.back());
+    EXPECT_EQ(world.owner->notices, failed ? std::vector<bool>{} : std::vector<bool>{true});
+  });
+  EXPECT_EQ(calls, 10 + 2);  // the end switches the two timers off
+}
+
 TEST_F(InitCAPIObjects, OnlySecondPhoneConnected_BindsTheSecondAskingForItAgain) {
   const auto off = newPhone("Off", false, newSmsObject("Other")->object());
   const auto third = newPhone("Third", true, Object());

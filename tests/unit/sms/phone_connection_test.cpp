@@ -36,6 +36,7 @@ TEST_F(PhoneNotice, ConnectWhileOldPhoneIsConnected_KeepsTheOldOne) {
 
 TEST_F(PhoneNotice, ConnectWhenOldPhoneIsGone_TakesTheNewOne) {
   phone->value(u"IsConnected", false);
+  probe().state() = STATE_LIST;
   clear();
   Recorder recorder;
   notifyConnected(1, other->object());
@@ -45,6 +46,8 @@ TEST_F(PhoneNotice, ConnectWhenOldPhoneIsGone_TakesTheNewOne) {
   EXPECT_EQ(Object(probe().sms().get()), otherSms->object());
   EXPECT_EQ(sms->listeners(), 0u);
   EXPECT_EQ(owner->notices, std::vector<bool>{true});
+  EXPECT_EQ(probe().state(), IDLE);
+  EXPECT_TRUE(probe().receiveAllFlag());
 }
 
 TEST_F(PhoneNotice, FirstPhone_IsTaken) {
@@ -53,6 +56,18 @@ TEST_F(PhoneNotice, FirstPhone_IsTaken) {
   notifyConnected(1, other->object());
   EXPECT_EQ(trace(), (Lines{"m_bPhoneConnected = 1", "New phone connected!", "Use new phone"}));
   EXPECT_TRUE(handler().IsPhoneConnected());
+}
+
+// The owner asks back from inside the event, and finds the phone of after the change.
+TEST_F(PhoneNotice, OwnerIsToldAfterTheChange) {
+  std::vector<std::pair<bool, bool>> seen;
+  owner->whenNoticed = [&](bool) {
+    seen.emplace_back(handler().IsPhoneConnected(), Object(probe().cellPhone()) == phone->object());
+  };
+  notifyConnected(1, other->object());  // the old one is kept
+  notifyConnected(0, phone->object());
+  notifyConnected(1, phone->object());  // taken as a new one
+  EXPECT_EQ(seen, (std::vector<std::pair<bool, bool>>{{true, true}, {false, false}, {true, true}}));
 }
 
 TEST_F(PhoneNotice, AnyNonZeroValue_IsAConnection) {
@@ -107,6 +122,60 @@ TEST_F(PhoneNotice, NewPhoneFails_IsLoggedAndTheOldOneIsGone) {
                             "Error:-2147023174, The RPC server is unavailable., OtherPhone"}));
   EXPECT_EQ(owner->notices, std::vector<bool>{});
   EXPECT_FALSE(handler().IsPhoneConnected());
+}
+
+TEST_F(PhoneNotice, OldPhoneThatCannotBeAsked_IsLoggedAndKept) {
+  probe().state() = STATE_SEND;
+  phone->fails(u"IsConnected", RuntimeError(-2147023174, u"Phone", u"The RPC server is unavailable."));
+  notifyConnected(1, other->object());
+  EXPECT_EQ(trace(), (Lines{"m_bPhoneConnected = 1", "New phone connected!",
+                            "Error:-2147023174, The RPC server is unavailable., Phone"}));
+  EXPECT_EQ(owner->notices, std::vector<bool>{});
+  EXPECT_EQ(Object(probe().cellPhone()), phone->object());
+  EXPECT_EQ(Object(probe().sms().get()), sms->object());
+  EXPECT_EQ(probe().state(), IDLE);
+  EXPECT_TRUE(probe().receiveAllFlag());
+}
+
+TEST_F(PhoneNotice, NewSmsObjectThatTakesNoListener_IsLoggedAndNobodyIsTold) {
+  phone->value(u"IsConnected", false);
+  otherSms->failsToSubscribe(-2147220992);
+  notifyConnected(1, other->object());
+  ASSERT_EQ(trace().size(), 4u);
+  EXPECT_EQ(firstOf(trace(), 3), (Lines{"m_bPhoneConnected = 1", "New phone connected!", "Use new phone"}));
+  EXPECT_TRUE(trace().back().starts_with("Error:-2147220992, ")) << trace().back();
+  EXPECT_EQ(owner->notices, std::vector<bool>{});
+  EXPECT_FALSE(handler().IsPhoneConnected());
+}
+
+// A phone and an SMS object that only the engine holds: the SMS object goes first.
+class PhoneNoticeReleases : public PhoneNotice {
+ protected:
+  PhoneNoticeReleases() {
+    notifyConnected(0, Object());
+    auto ownSms = fake("OwnSMS");
+    ownSms->whenTerminated = [this] { released.emplace_back("SMS object"); };
+    const auto ownPhone = newPhone("OwnPhone", false, Object());
+    ownPhone->whenTerminated = [this] { released.emplace_back("phone"); };
+    ownPhone->script(u"SMS", [given = std::make_shared<Ref<FakeObject>>(std::move(ownSms))](Access, Args) -> Variant {
+      return std::exchange(*given, nullptr)->object();
+    });
+    notifyConnected(1, ownPhone->object());
+  }
+
+  Lines released;
+};
+
+TEST_F(PhoneNoticeReleases, Disconnect_SmsObjectThenPhone) {
+  ASSERT_EQ(released, Lines{});
+  notifyConnected(0, Object());
+  EXPECT_EQ(released, (Lines{"SMS object", "phone"}));
+}
+
+TEST_F(PhoneNoticeReleases, NewPhone_SmsObjectThenPhone) {
+  ASSERT_EQ(released, Lines{});
+  notifyConnected(1, other->object());
+  EXPECT_EQ(released, (Lines{"SMS object", "phone"}));
 }
 
 TEST_F(PhoneNotice, NoticeWithoutAPhone_IsError91) {

@@ -74,9 +74,9 @@ class SMSHandlerProbe {
                    bool markRead) const {
     return h.MoveMessage(item, from, to, markRead);
   }
-  bool FindTextMessage(std::int32_t folder, StringView recipient, StringView subject, String body,
+  bool FindTextMessage(std::int32_t folder, StringView recipient, StringView subject, String& body,
                        const String& sentOn) const {
-    return h.FindTextMessage(folder, recipient, subject, std::move(body), sentOn);
+    return h.FindTextMessage(folder, recipient, subject, body, sentOn);
   }
   bool FindInFolderCollection(std::int32_t folder, StringView recipient, StringView subject, String& body,
                               const String& sentOn) const {

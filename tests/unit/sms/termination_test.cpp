@@ -113,7 +113,7 @@ TEST_F(Termination, TimersThatFailToStop_AreReleasedAllTheSame) {
   fill();
   timersFail = true;
   handler = nullptr;
-  EXPECT_EQ(firstOf(log, 5), firstOf(order, 5));
+  EXPECT_EQ(firstOf(log, order.size()), order);
 }
 
 TEST_F(Termination, FreshEngine_ReleasesNothing) {
@@ -197,6 +197,59 @@ TEST_F(LettingGo, InsideOnPhoneConnectedOfTheStart_EndsTheStart) {
   EXPECT_TRUE(owner->m_objSMSHandler->InitCAPIObjects());
   EXPECT_TRUE(looked);
 }
+
+// Calls into the worker's process serve the mail client's messages, its disconnect among them.
+class LettingGoInside : public LettingGo, public ::testing::WithParamInterface<const char*> {
+ protected:
+  // The next answer comes after the owner has let go.
+  void letGoBefore(FakeObject& object, StringView member, Variant answer) {
+    object.script(member, [this, answer](Access, Args) -> Variant {
+      if (!looked) letGoAndLook();
+      return answer;
+    });
+  }
+  void expectUnheard() {
+    EXPECT_TRUE(looked);
+    EXPECT_EQ(owner->notices, std::vector<bool>{});
+    for (const auto& source : {sms, worker, timers[0], timers[1]}) EXPECT_EQ(source->listeners(), 0u);
+  }
+};
+
+TEST_P(LettingGoInside, AStartsCall_TellsNobodyAndLeavesNoListener) {
+  const std::string call = GetParam();
+  letGo();
+  timers.clear();
+  owner->m_objSMSHandler = make<clsSMSHandler>();
+  clear();
+  if (call == "New Worker")
+    system.objects.provide(dvmworkerlib::progIdWorker, [this] {
+      letGoAndLook();
+      return worker->object();
+    });
+  if (call == "CellPhones") letGoBefore(*worker, u"CellPhones", phones->object());
+  if (call == "Item") letGoBefore(*phones, u"Item", phone->object());
+  if (call == "IsConnected") letGoBefore(*phone, u"IsConnected", true);
+  if (call == "SMS") letGoBefore(*phone, u"SMS", sms->object());
+  owner->m_objSMSHandler->InitCAPIObjects();
+  expectUnheard();
+}
+INSTANTIATE_TEST_SUITE_P(Calls, LettingGoInside,
+                         ::testing::Values("New Worker", "CellPhones", "Item", "IsConnected", "SMS"));
+
+class LettingGoInsideANotice : public LettingGoInside {};
+
+TEST_P(LettingGoInsideANotice, TellsNobodyAndLeavesNoListener) {
+  const std::string call = GetParam();
+  phone->value(u"IsConnected", false);
+  const auto otherSms = newSmsObject("OtherSMS");
+  const auto other = newPhone("OtherPhone", true, otherSms->object());
+  if (call == "IsConnected") letGoBefore(*phone, u"IsConnected", false);
+  if (call == "SMS") letGoBefore(*other, u"SMS", otherSms->object());
+  notifyConnected(1, other->object());
+  expectUnheard();
+  EXPECT_EQ(otherSms->listeners(), 0u);
+}
+INSTANTIATE_TEST_SUITE_P(Calls, LettingGoInsideANotice, ::testing::Values("IsConnected", "SMS"));
 
 TEST_F(LettingGo, InsideASend_LeavesTheMessageAlone) {
   const auto item = addItem(outbox, u"Anna [1]", u"Hello");
