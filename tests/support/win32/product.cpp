@@ -90,6 +90,7 @@ std::vector<std::string> unregisterProduct() {
   for (const wchar_t* const dll : dlls)
     done.push_back((unregisterServer(dll) ? "regsvr32 /u " : "failed: regsvr32 /u ") + narrow(dll));
   done.push_back((unregisterServer(workerFile) ? "" : "failed: ") + narrow(workerFile) + " /UnregServer");
+  removeValue(HKEY_LOCAL_MACHINE, installationKey, L"SMSCPath");
   return done;
 }
 

@@ -22,9 +22,13 @@ constexpr const char* about = "click \"About Text Message Add-In\"";
 
 class ClientForms : public testing::Test {
  protected:
+  static void SetUpTestSuite() { expectDone(registerProduct()); }
+  static void TearDownTestSuite() { expectDone(unregisterProduct()); }
+  static void expectDone(const std::vector<std::string>& lines) {
+    for (const std::string& line : lines) EXPECT_FALSE(line.starts_with("failed")) << line;
+  }
+
   ClientForms() {
-    static const std::vector<std::string> registered = registerProduct();
-    for (const std::string& line : registered) EXPECT_FALSE(line.starts_with("failed")) << line;
     removeAllOptions();
     wchar_t folder[MAX_PATH];
     GetTempPathW(MAX_PATH, folder);
