@@ -1,4 +1,4 @@
-// draw_pictures FOLDER: draws the pictures of the wizard and the banner of its forms, each for 96, 120 and 144 dots per
+// draw_pictures FOLDER: draws the pictures of the wizard and the banner of its forms, each for 96 and 144 dots per
 // inch.
 
 #include <cstdio>
@@ -122,7 +122,7 @@ void userInformation(Canvas& c) {
 }
 
 void banner(Canvas& c) {
-  c.sideGradient(white, {176, 216, 232}, 48);
+  c.sideGradient(white, {176, 216, 232}, 20);
   envelope(c, {46, 13}, {40, 27}, white, sea);
   c.line({46, 13}, {86, 13}, 1.6, sea);
   c.line({46, 40}, {86, 40}, 1.6, sea);
@@ -152,7 +152,7 @@ int main(int count, char** arguments) {
     return 2;
   }
   for (const Drawing& drawing : drawings) {
-    for (const int resolution : {96, 120, 144}) {
+    for (const int resolution : {96, 144}) {
       Canvas canvas(drawing.width, drawing.height, resolution / 96.0);
       drawing.draw(canvas);
       const std::string path =

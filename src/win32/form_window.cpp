@@ -25,6 +25,20 @@ struct EmptyTemplate {
   WORD title = 0;
 };
 
+struct OtherWindows {
+  HWND self;
+  std::vector<HWND> found;  // that take input
+};
+
+BOOL CALLBACK addUsable(HWND window, LPARAM to) noexcept {
+  auto& others = *reinterpret_cast<OtherWindows*>(to);
+  if (window == others.self || !IsWindowVisible(window) || !IsWindowEnabled(window)) return TRUE;
+  return com::guardedOr(BOOL{FALSE}, [&]() -> BOOL {
+    others.found.push_back(window);
+    return TRUE;
+  });
+}
+
 RECT windowRect(HWND window) {
   RECT rect{};
   GetWindowRect(window, &rect);
@@ -185,19 +199,9 @@ void FormWindow::leaveUnusable() {
 // Other windows -------------------------------------------------------------------------------------------------------
 
 void FormWindow::blockOthers() {
-  struct Search {
-    HWND self;
-    std::vector<HWND> found;
-  } search{window_, {}};
-  EnumThreadWindows(
-      GetCurrentThreadId(),
-      [](HWND window, LPARAM lParam) -> BOOL {
-        auto& to = *reinterpret_cast<Search*>(lParam);
-        if (window != to.self && IsWindowVisible(window) && IsWindowEnabled(window)) to.found.push_back(window);
-        return TRUE;
-      },
-      reinterpret_cast<LPARAM>(&search));
-  for (const HWND window : search.found) {
+  OtherWindows others{window_, {}};
+  EnumThreadWindows(GetCurrentThreadId(), addUsable, reinterpret_cast<LPARAM>(&others));
+  for (const HWND window : others.found) {
     EnableWindow(window, FALSE);
     blocked_.push_back(window);
   }

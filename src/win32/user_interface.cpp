@@ -7,16 +7,15 @@
 namespace win32 {
 namespace {
 
+BOOL CALLBACK findSeen(HWND window, LPARAM to) noexcept {
+  if (!IsWindowVisible(window) || GetWindow(window, GW_OWNER)) return TRUE;
+  *reinterpret_cast<HWND*>(to) = window;
+  return FALSE;
+}
+
 HWND firstWindow() {
   HWND found = nullptr;
-  EnumThreadWindows(
-      GetCurrentThreadId(),
-      [](HWND window, LPARAM to) -> BOOL {
-        if (!IsWindowVisible(window) || GetWindow(window, GW_OWNER)) return TRUE;
-        *reinterpret_cast<HWND*>(to) = window;
-        return FALSE;
-      },
-      reinterpret_cast<LPARAM>(&found));
+  EnumThreadWindows(GetCurrentThreadId(), findSeen, reinterpret_cast<LPARAM>(&found));
   return found;
 }
 
