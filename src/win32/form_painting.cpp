@@ -39,7 +39,9 @@ void FormWindow::paintBackground(HDC dc, const Control& control) {
     return;
   }
   if (control.BackColor() != platform::colorButtonFace) FillRect(dc, &place, brushOf(dc, control.BackColor()));
-  if (!control.picture.empty()) pictures_.draw(dc, control.picture, place);
+  if (control.picture.empty()) return;
+  const bool isPicture = control.Kind() == ControlKind::Picture;
+  pictures_.draw(dc, control.picture, place, isPicture ? Pictures::Fit::Cover : Pictures::Fit::RightEnd);
 }
 
 HBRUSH FormWindow::colourFor(HDC dc, HWND window) const {

@@ -41,20 +41,26 @@ const Pictures::Picture* Pictures::find(platform::StringView name, int height) {
   return best;
 }
 
-void Pictures::draw(HDC dc, platform::StringView name, const RECT& place) {
-  const int height = place.bottom - place.top;
-  const Picture* const picture = find(name, height);
-  if (!picture || picture->size.cy == 0) return;
-  const int natural = MulDiv(picture->size.cx, height, picture->size.cy);
-  const int room = place.right - place.left;
-  // A few pixels more or less are the font's rounding: the picture then fills its place.
-  const int width = natural * 10 > room * 9 ? room : natural;
+void Pictures::draw(HDC dc, platform::StringView name, const RECT& place, Fit fit) {
+  RECT to = place;
+  const Picture* const picture = find(name, to.bottom - to.top);
+  if (!picture || picture->size.cx == 0 || picture->size.cy == 0 || IsRectEmpty(&to)) return;
+  const int height = to.bottom - to.top;
+  SIZE from = picture->size;
+  if (fit == Fit::RightEnd) {
+    to.left = to.right - MulDiv(from.cx, height, from.cy);
+  } else {
+    // The part of the picture that has the shape of the place.
+    const int width = to.right - to.left;
+    from.cx = std::min(from.cx, static_cast<LONG>(MulDiv(picture->size.cy, width, height)));
+    from.cy = std::min(from.cy, static_cast<LONG>(MulDiv(picture->size.cx, height, width)));
+  }
   const HDC source = CreateCompatibleDC(dc);
   const HGDIOBJ before = SelectObject(source, picture->bitmap.get());
   SetStretchBltMode(dc, HALFTONE);
   SetBrushOrgEx(dc, 0, 0, nullptr);
-  StretchBlt(dc, place.right - width, place.top, width, height, source, 0, 0, picture->size.cx, picture->size.cy,
-             SRCCOPY);
+  StretchBlt(dc, to.left, to.top, to.right - to.left, height, source, (picture->size.cx - from.cx) / 2,
+             (picture->size.cy - from.cy) / 2, from.cx, from.cy, SRCCOPY);
   SelectObject(source, before);
   DeleteDC(source);
 }

@@ -10,9 +10,11 @@ namespace win32 {
 
 class Pictures {
  public:
-  // Fills the height of `place` with the picture, at its right end or over its whole width, whichever is less. Nothing
-  // when the module has no picture of that name.
-  void draw(HDC dc, platform::StringView name, const RECT& place);
+  enum class Fit : std::uint8_t { Cover, RightEnd };
+
+  // Covers `place`, cutting off what is too much at the edges, or fills its height at its right end. Nothing when the
+  // module has no picture of that name.
+  void draw(HDC dc, platform::StringView name, const RECT& place, Fit fit);
 
  private:
   struct Picture {

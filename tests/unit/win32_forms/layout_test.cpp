@@ -1,5 +1,7 @@
 // Nothing is clipped and nothing lies upon another thing, in the fonts of all resolutions.
 
+#include <algorithm>
+
 #include "form_fixture.h"
 #include "win32/form_window.h"
 
@@ -96,6 +98,29 @@ TEST_P(Layout, Wizard_EveryPage) {
     SCOPED_TRACE(page);
     expectTidy(dialog);
     if (page < 4) wizard->Find(u"btnNext")->userClicks();
+  }
+}
+
+// The letters behind the marks of what can be seen.
+std::string accelerators(HWND dialog) {
+  std::string letters;
+  for (HWND child = GetWindow(dialog, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
+    const std::wstring text = DialogUser::textOf(child);
+    const std::size_t mark = text.find(L'&');
+    if ((GetWindowLongW(child, GWL_STYLE) & WS_VISIBLE) != 0 && mark != std::wstring::npos)
+      letters += static_cast<char>(text[mark + 1]);
+  }
+  std::sort(letters.begin(), letters.end());
+  return letters;
+}
+
+TEST_P(Layout, Accelerators_AreOfOneControlEachOnEveryPage) {
+  setOption("My_FullName", "Anna");
+  setOption("My_PhoneNo", "+46");
+  const HWND dialog = show(*wizard);
+  for (const char* expected : {"BCHN", "BCHINS", "BCHINR", "BCFHMN"}) {
+    EXPECT_EQ(accelerators(dialog), expected);
+    if (expected != std::string("BCFHMN")) wizard->Find(u"btnNext")->userClicks();
   }
 }
 
