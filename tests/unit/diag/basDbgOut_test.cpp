@@ -345,8 +345,8 @@ TEST_F(OpenChannelTest, FilteredLine_BuildsNoText) {
     }
     int dates = 0;
   } locale;
-  System counting{native.time,  native.time,    locale,    native.registry, native.windows,
-                  native.shell, native.objects, native.ui, native.module};
+  System counting{native.time,  native.time,    locale,       native.registry, native.windows,
+                  native.shell, native.objects, native.files, native.ui,       native.module};
   System* const before = std::exchange(platform::currentSystem, &counting);
   DbgOut(3, u"x", Date{1});
   EXPECT_EQ(locale.dates, 0);

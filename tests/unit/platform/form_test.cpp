@@ -295,6 +295,25 @@ TEST_F(FormTest, Unload_FromItsOwnHandler_KeepsTheFormUntilTheHandlerIsOver) {
   EXPECT_EQ(census.more(), 0);
 }
 
+TEST_F(FormTest, Unload_OfAFormThatOnlyItsViewHolds) {
+  show();
+  bool told = false;
+  form->whenUnloaded = [&] { told = true; };
+  SampleForm* const open = form.get();
+  form = nullptr;
+  open->Unload();
+  EXPECT_TRUE(told);
+  EXPECT_EQ(census.more(), 0);
+}
+
+TEST_F(FormTest, Show_OwnerThatLetsGoOfAFormWithoutAView_KeepsItUntilItHasFailed) {
+  SampleForm* const own = form.get();
+  own->whenLoading = [&] { form = nullptr; };
+  system.ui.windowsCannotBeMade = true;
+  EXPECT_EQ(errorNumberOf([&] { own->Show(FormModality::Modal); }), 7);
+  EXPECT_EQ(census.more(), 0);
+}
+
 TEST_F(FormTest, Unload_TellsItsOwnerOnceAndLast) {
   show();
   int told = 0;
