@@ -6,8 +6,8 @@
 #include "addin/diag/basDbgOut.h"
 #include "addin/diag/basDebug.h"
 #include "addin/host/basOutlook.h"
-#include "addin/settings/basRegistry.h"
 #include "addin/settings/basresourceid.h"
+#include "addin/settings/options.h"
 
 namespace addin {
 namespace {
@@ -15,8 +15,6 @@ namespace {
 constexpr std::int32_t defaultInterval = 2;  // minutes
 constexpr std::int32_t pollInterval = 60000;
 constexpr std::int32_t pollResolution = 1000;
-
-String option(StringView name) { return CStr(GetRegValue(rootCurrentUser, KEY_OPTIONS, name)); }
 
 // Deletes one of our buttons from its menu; that it was ours is all that the line says.
 void removeButton(const office::CommandBarButton& button, StringView line) {
@@ -59,8 +57,7 @@ bool OutAddIn::StartUpCompleted() {
 }
 
 std::int32_t OutAddIn::WizardDone() const {
-  return onErrorLog<std::int32_t>(
-      [&](std::int32_t& result) { result = CLng(GetRegValue(rootCurrentUser, KEY_OPTIONS, u"WizardDone")); });
+  return onErrorLog<std::int32_t>([&](std::int32_t& result) { result = OptionNumber(u"WizardDone", 0); });
 }
 
 localizer::Localizer OutAddIn::Localizer() {
@@ -99,10 +96,9 @@ bool OutAddIn::SetupSMSHandler() {
 
 bool OutAddIn::SetupTimer() {
   return onErrorLog<bool>([&](bool& result) {
-    const String useAuto = option(u"SendReceive_UseAuto");
+    const String useAuto = OptionText(u"SendReceive_UseAuto");
     const bool automatic = useAuto.empty() || CBool(useAuto);
-    const String interval = option(u"SendReceive_AutoIntervall");
-    m_nInterval = interval.empty() ? defaultInterval : CLng(interval);
+    m_nInterval = OptionNumber(u"SendReceive_AutoIntervall", defaultInterval);
     if (automatic) {
       if (m_nInterval < 1) m_nInterval = defaultInterval;
       m_nMinutesLeft = m_nInterval;

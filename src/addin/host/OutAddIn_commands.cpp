@@ -6,9 +6,9 @@
 #include "addin/host/OutAddIn.h"
 #include "addin/host/basCommandBars.h"
 #include "addin/platform/arithmetic.h"
-#include "addin/settings/basRegistry.h"
 #include "addin/settings/bashelp.h"
 #include "addin/settings/basresourceid.h"
+#include "addin/settings/options.h"
 
 namespace addin {
 namespace {
@@ -150,7 +150,7 @@ void OutAddIn::SendAndReceive() {
 
 void OutAddIn::WarnIfSimIsFull() {
   DbgOut(2, u"Check in the registry if a warning should be displayed, if the SIM card is full");
-  const String setting = CStr(GetRegValue(rootCurrentUser, KEY_OPTIONS, u"Sim_Full_Warning"));
+  const String setting = OptionText(u"Sim_Full_Warning");
   std::int32_t simWarning = warnByDefault;
   if (!setting.empty()) {
     simWarning = CLng(setting);

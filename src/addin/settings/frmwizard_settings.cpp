@@ -7,6 +7,7 @@
 #include "addin/settings/basRegistry.h"
 #include "addin/settings/frmwizard.h"
 #include "addin/settings/modwinversion.h"
+#include "addin/settings/options.h"
 
 namespace addin {
 namespace {
@@ -17,13 +18,6 @@ constexpr std::int32_t offByDefault = 0;
 
 // The list begins with its heading, which is no service centre.
 constexpr std::int32_t firstServiceCentre = 1;
-
-String option(StringView name) { return CStr(GetRegValue(rootCurrentUser, KEY_OPTIONS, name)); }
-
-std::int32_t number(StringView name, std::int32_t whenEmpty) {
-  const String text = option(name);
-  return text.empty() ? whenEmpty : CLng(text);
-}
 
 void save(StringView name, const Variant& value, std::int32_t type) {
   onErrorResumeNext([&] {
@@ -68,17 +62,17 @@ void frmwizard::LoadSettings() {
       [&] {
         if (cboSCAddress.ListCount() > 0) cboSCAddress.ListIndex(firstServiceCentre);
       },
-      [&] { SelectServiceCentre(option(u"SCAddress")); },
-      [&] { txtOwnSCAddress.Text(NumberInParentheses(option(u"SCAddress_Own"))); },
-      [&] { chkOwnSCAddress.Value(number(u"SCAddress_UseOwn", offByDefault) != 0); },
-      [&] { chkAutoPoll.Value(number(u"SendReceive_UseAuto", pollByDefault) != 0); },
-      [&] { txtPollIntervall.Text(concat(number(u"SendReceive_AutoIntervall", defaultInterval))); },
-      [&] { chkAutoRemove.Value(number(u"SendReceive_AutoRemove", offByDefault) != 0); },
+      [&] { SelectServiceCentre(OptionText(u"SCAddress")); },
+      [&] { txtOwnSCAddress.Text(NumberInParentheses(OptionText(u"SCAddress_Own"))); },
+      [&] { chkOwnSCAddress.Value(OptionNumber(u"SCAddress_UseOwn", offByDefault) != 0); },
+      [&] { chkAutoPoll.Value(OptionNumber(u"SendReceive_UseAuto", pollByDefault) != 0); },
+      [&] { txtPollIntervall.Text(concat(OptionNumber(u"SendReceive_AutoIntervall", defaultInterval))); },
+      [&] { chkAutoRemove.Value(OptionNumber(u"SendReceive_AutoRemove", offByDefault) != 0); },
       [&] {
-        const String name = option(u"My_FullName");
+        const String name = OptionText(u"My_FullName");
         txtName.Text(name.empty() ? GetRegisteredOwner() : name);
       },
-      [&] { txtPhoneNo.Text(option(u"My_PhoneNo")); }, [&] { EnableOwnSCAddress(chkOwnSCAddress.Value()); },
+      [&] { txtPhoneNo.Text(OptionText(u"My_PhoneNo")); }, [&] { EnableOwnSCAddress(chkOwnSCAddress.Value()); },
       [&] { EnablePolling(chkAutoPoll.Value()); });
 }
 

@@ -3,7 +3,7 @@
 #include "addin/common/bastext.h"
 #include "addin/diag/basDbgOut.h"
 #include "addin/diag/basDebug.h"
-#include "addin/settings/basRegistry.h"
+#include "addin/settings/options.h"
 #include "addin/sms/clsSMSHandler.h"
 #include "addin/sms/clscontactfolder.h"
 
@@ -12,8 +12,6 @@ namespace {
 
 // Used when the user has chosen none. A placeholder: the SMS object server takes it for "the SIM's own".
 constexpr StringView fallbackServiceCentre = u"+46701740699";
-
-Variant option(StringView name) { return GetRegValue(rootCurrentUser, KEY_OPTIONS, name); }
 
 }  // namespace
 
@@ -26,9 +24,9 @@ String clsSMSHandler::ExtractParenthesisedNumber(StringView text) { return Numbe
 String clsSMSHandler::GetServiceCentreAddress() {
   return onErrorLog<String>([&](String& result) {
     result = fallbackServiceCentre;
-    const String chosen = ExtractParenthesisedNumber(CStr(option(u"SCAddress")));
-    const std::int32_t useOwn = CLng(option(u"SCAddress_UseOwn"));
-    const String own = ExtractParenthesisedNumber(CStr(option(u"SCAddress_Own")));
+    const String chosen = ExtractParenthesisedNumber(OptionText(u"SCAddress"));
+    const std::int32_t useOwn = OptionNumber(u"SCAddress_UseOwn", 0);
+    const String own = ExtractParenthesisedNumber(OptionText(u"SCAddress_Own"));
     const String& number = useOwn == 0 ? chosen : own;
     if (!number.empty()) result = number;
   });
@@ -36,8 +34,8 @@ String clsSMSHandler::GetServiceCentreAddress() {
 
 String clsSMSHandler::GetOwnAddress() {
   return onErrorLog<String>([&](String& result) {
-    const String name = CStr(option(u"My_FullName"));
-    const String number = CStr(option(u"My_PhoneNo"));
+    const String name = OptionText(u"My_FullName");
+    const String number = OptionText(u"My_PhoneNo");
     if (!name.empty()) result = concat(name, u" ");
     if (!number.empty()) result += concat(u"[", number, u"]");
   });

@@ -8,7 +8,7 @@
 #include "addin/common/bastext.h"
 #include "addin/diag/basDbgOut.h"
 #include "addin/diag/basDebug.h"
-#include "addin/settings/basRegistry.h"
+#include "addin/settings/options.h"
 #include "addin/sms/clsSMSHandler.h"
 
 namespace addin {
@@ -137,9 +137,7 @@ String clsSMSHandler::CreateMessage(const sms_objectlib::ShortMessage& sms) {
   return onErrorLog<String>([&](String& entryId) {
     DbgOut(2, u"Inside Function CreateMessage");
     DbgOut(2, u"Check if text message should be deleted from SIM when the same found in the Inbox");
-    std::int32_t autoRemove = 0;
-    const String setting = CStr(GetRegValue(rootCurrentUser, KEY_OPTIONS, u"SendReceive_AutoRemove"));
-    if (!setting.empty()) autoRemove = CLng(setting);
+    const std::int32_t autoRemove = OptionNumber(u"SendReceive_AutoRemove", 0);
     DbgOut(2, u"Delete from SIM when displayed in Inbox:", autoRemove);
 
     DbgOut(2, u"Get short message properties");

@@ -281,10 +281,7 @@ bool killProcess(std::uint32_t id) {
 
 // Its mutex tells whether there is one, without starting it.
 void endWorker() {
-  const HANDLE mutex = OpenMutexW(SYNCHRONIZE, FALSE, workerMutex);
-  if (!mutex) return;
-  CloseHandle(mutex);
-  killProcess(static_cast<std::uint32_t>(Handset::connect().ProcessId()));
+  if (workerRuns()) killProcess(static_cast<std::uint32_t>(Handset::connect().ProcessId()));
 }
 
 bool closeWindow(const wchar_t* title, std::uint32_t milliseconds) {

@@ -1,12 +1,17 @@
 // dvmworker.exe is killed in the middle of its work. The mail client lives on, and when the add-in is connected again
 // a new server goes on where the old one was killed.
 
+#include "com/errors.h"
 #include "product_test.h"
+#include "support/text.h"
 
 namespace failures_tests {
 namespace {
 
-const std::string serverIsGone = "Error:-2147023174, The RPC server is unavailable., mrktxtmsg";
+// The system's own words: they differ between Windows and Wine.
+const std::string serverIsGone =
+    "Error:-2147023174, " +
+    testing_support::utf8(com::errorOf(HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE)).description) + ", mrktxtmsg";
 const Lines refusedSend{"Inside Function SendAll", "mrktxtmsg (0) :SendAll - Not Idle",
                         "Error:2, Error during Send All, SendAndReceive"};
 const std::string receiveFailed = "Error: 1, Error during Receive All, SendAndReceive";

@@ -40,14 +40,10 @@ Bytes textBytes(const std::wstring& text, End end = End::WithNul) {
   return {data, data + (text.size() + (end == End::WithNul ? 1 : 0)) * sizeof(wchar_t)};
 }
 
-// What is not there counts as 0. An empty text is there, and is no number.
-enum class IsNumber : std::uint8_t { Zero, No };
-
 struct Shape {
   const char* what;
   DWORD type;
   Bytes data;
-  IsNumber number = IsNumber::Zero;
 };
 
 std::vector<Shape> unusableShapes() {
@@ -59,8 +55,8 @@ std::vector<Shape> unusableShapes() {
       {"a number of eight bytes", REG_QWORD, bytes({1, 0, 0, 0, 0, 0, 0, 0})},
       {"a number with its bytes the other way round", REG_DWORD_BIG_ENDIAN, bytes({0, 0, 0, 1})},
       {"a number that is too long", REG_DWORD, bytes({1, 0, 0, 0, 9, 9, 9, 9})},
-      {"an empty text", REG_SZ, textBytes(L""), IsNumber::No},
-      {"a text without even a NUL", REG_SZ, {}, IsNumber::No},
+      {"an empty text", REG_SZ, textBytes(L"")},
+      {"a text without even a NUL", REG_SZ, {}},
   };
 }
 
@@ -136,8 +132,7 @@ TEST_F(Settings, OfNoUsableTypeOrSize_ReadAsMissing) {
                              Lines{checksTheSetting, "Show warning - SIM card is full"} + simChecked(1, 20)));
     EXPECT_EQ(field("Inbox", "to", round), "");
     EXPECT_EQ(field("Inbox", "topic", round), "\\u0001" + testing_support::utf8(time));
-    Lines handedOver = messageHandedOver("+46707778899", "Answer");
-    if (shape.number == IsNumber::No) handedOver.insert(handedOver.end() - 5, noServiceCentre);
+    const Lines handedOver = messageHandedOver("+46707778899", "Answer");
     EXPECT_EQ(sendTrace("Answer"),
               Lines{"m_objOutboxItems_ItemAdd, trigger a sendall"} + sendTimerArmed() + handedOver + messageSent());
     EXPECT_EQ(handset_.SentServiceCentre(static_cast<std::int32_t>(round)), u"") << "the fall-back";

@@ -114,6 +114,8 @@ TEST_F(StartUp, WizardDone_ReadsItsRootOnly) {
   EXPECT_EQ(addIn->WizardDone(), 0);
   setOption("WizardDone", "1");
   EXPECT_EQ(addIn->WizardDone(), 1);
+  setOption("WizardDone", "");
+  EXPECT_EQ(addIn->WizardDone(), 0);
   setOption("WizardDone", "done");
   EXPECT_EQ(addIn->WizardDone(), 0);
   EXPECT_EQ(newTrace(), (Lines{"Error:13, Type mismatch, mrktxtmsg"}));

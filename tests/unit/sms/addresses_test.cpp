@@ -121,12 +121,11 @@ TEST_F(GetServiceCentreAddress, FlagThatIsNoNumber_IsLoggedAndGivesTheBuiltInNum
   EXPECT_EQ(trace(), Lines{"Error:13, Type mismatch, mrktxtmsg"});
 }
 
-// A flag that is there but empty is no number either; only one that is missing counts as 0.
-TEST_F(GetServiceCentreAddress, FlagThatIsAnEmptyText_IsLoggedAndGivesTheBuiltInNumber) {
+TEST_F(GetServiceCentreAddress, FlagThatIsAnEmptyText_CountsAsMissing) {
   option("SCAddress", "Operator (+47 123)");
   option("SCAddress_UseOwn", "");
-  EXPECT_EQ(serviceCentre(), fallback);
-  EXPECT_EQ(trace(), Lines{"Error:13, Type mismatch, mrktxtmsg"});
+  EXPECT_EQ(serviceCentre(), "+47123");
+  EXPECT_EQ(trace(), Lines{});
 }
 
 TEST_F(GetServiceCentreAddress, SettingsOfTheMachine_AreNotLookedAt) {
