@@ -17,7 +17,6 @@ class Buttons : public HostFixture {
   void TearDown() override { addIn->UnInitHandler(); }
 };
 
-const std::string noLocalizer = "Error:429, ActiveX component can't create object, mrktxtmsg";
 const std::string noForm = "Error:438, Object doesn't support this property or method, mrktxtmsg";
 
 TEST_F(Buttons, Installation_SetsEveryPropertyInOrder) {
