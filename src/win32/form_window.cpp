@@ -64,14 +64,17 @@ platform::Ref<FormWindow> FormWindow::open(Form& form, HWND owner, const LOGFONT
   EmptyTemplate dialog;
   dialog.head.style = WS_POPUP | WS_CAPTION | WS_SYSMENU | WS_CLIPCHILDREN | DS_MODALFRAME;
   dialog.head.dwExtendedStyle = WS_EX_CONTROLPARENT;
-  const HWND window =
-      CreateDialogIndirectParamW(ownModule(), &dialog.head, owner, procedure, reinterpret_cast<LPARAM>(made.get()));
-  if (!made.get()->ready_) {
-    if (window) DestroyWindow(window);
-    platform::raiseError(7);
+  CreateDialogIndirectParamW(ownModule(), &dialog.head, owner, procedure, reinterpret_cast<LPARAM>(made.get()));
+  // Making windows lets others on this thread run: the form may have been unloaded meanwhile, or shown by somebody
+  // else.
+  const bool isWanted = form.IsLoaded() && !form.View();
+  if (made.get()->ready_ && made.get()->window_ && isWanted) {
+    form.SetView(made.get());
+    return made;
   }
-  form.SetView(made.get());
-  return made;
+  if (made.get()->window_) DestroyWindow(made.get()->window_);
+  if (isWanted) platform::raiseError(7);
+  return nullptr;
 }
 
 INT_PTR CALLBACK FormWindow::procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept {
@@ -141,11 +144,14 @@ void FormWindow::place() {
                SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
+// The windows that lose the activation are told, and one of them may unload the form.
 void FormWindow::bringToFront() {
+  if (!form_) return;
   const bool wasHidden = !IsWindowVisible(window_);
   ShowWindow(window_, SW_SHOW);
+  if (!form_) return;
   SetForegroundWindow(window_);
-  if (!wasHidden) return;
+  if (!form_ || !wasHidden) return;
   if (Control* const active = form_.get()->ActiveControl(); active && active->IsUsable())
     focusMoved(*active);
   else if (const HWND first = GetNextDlgTabItem(window_, nullptr, FALSE))
@@ -202,8 +208,11 @@ void FormWindow::blockOthers() {
   OtherWindows others{window_, {}};
   EnumThreadWindows(GetCurrentThreadId(), addUsable, reinterpret_cast<LPARAM>(&others));
   for (const HWND window : others.found) {
-    EnableWindow(window, FALSE);
     blocked_.push_back(window);
+    EnableWindow(window, FALSE);
+    if (form_) continue;
+    EnableWindow(window, TRUE);  // told of this, it unloaded the form, maybe before it was disabled
+    return;
   }
 }
 
