@@ -233,6 +233,52 @@ TEST_F(FormWindow, RefusedCharacter_SelectsNothing) {
   });
 }
 
+// Cutting, copying and undoing are keys too: the button follows the text as it was before them.
+TEST_F(FormWindow, CutAndCopyByKey_GoThroughTheFilterAndAreDoneAllTheSame) {
+  setOption("My_FullName", "Anna");
+  modeless([](const DialogUser& user) {
+    goToPage4(user);
+    const HWND phone = user.edit(1);
+    const HWND finish = user.button(L"Finish");
+    const auto press = [&](WPARAM code) {
+      SendMessageW(phone, WM_CHAR, code, 1);
+      return DialogUser::textOf(phone);
+    };
+    EXPECT_EQ(press(L'4'), L"4");
+    EXPECT_FALSE(IsWindowEnabled(finish));
+    SendMessageW(phone, EM_SETSEL, 0, -1);
+    EXPECT_EQ(press(24), L"");
+    EXPECT_TRUE(IsWindowEnabled(finish));
+    EXPECT_EQ(press(L'7'), L"7");
+    EXPECT_FALSE(IsWindowEnabled(finish));
+    SendMessageW(phone, EM_SETSEL, 0, -1);
+    EXPECT_EQ(press(3), L"7");
+    EXPECT_TRUE(IsWindowEnabled(finish));
+    SendMessageW(phone, EM_SETSEL, 1, 1);
+    SendMessageW(phone, WM_PASTE, 0, 0);
+    EXPECT_EQ(DialogUser::textOf(phone), L"77");  // it had been copied
+  });
+}
+
+TEST_F(FormWindow, UndoByKey_GoesThroughTheFilterAndIsDoneAllTheSame) {
+  setOption("My_FullName", "Anna");
+  modeless([](const DialogUser& user) {
+    goToPage4(user);
+    const HWND phone = user.edit(1);
+    SendMessageW(phone, WM_CHAR, L'4', 1);
+    SendMessageW(phone, EM_EMPTYUNDOBUFFER, 0, 0);
+    SendMessageW(phone, EM_SETSEL, 0, -1);
+    SendMessageW(phone, WM_CLEAR, 0, 0);
+    EXPECT_EQ(DialogUser::textOf(phone), L"");
+    SendMessageW(phone, WM_CHAR, 26, 1);
+    EXPECT_EQ(DialogUser::textOf(phone), L"4");
+    EXPECT_FALSE(IsWindowEnabled(user.button(L"Finish")));  // the text was empty when the key came
+    SendMessageW(phone, EM_SETSEL, 1, 1);
+    SendMessageW(phone, WM_CHAR, L'6', 1);
+    EXPECT_TRUE(IsWindowEnabled(user.button(L"Finish")));
+  });
+}
+
 TEST_F(FormWindow, PhoneNumber_IsFifteenCharactersAtMost) {
   modeless([](const DialogUser& user) {
     goToPage4(user);
