@@ -182,7 +182,8 @@ void FormWindow::notice(Control& control, WORD code, HWND source) {
     platform::String text(static_cast<std::size_t>(GetWindowTextLengthW(source)), u'\0');
     text.resize(static_cast<std::size_t>(GetWindowTextW(source, wide(text), static_cast<int>(text.size()) + 1)));
     control.userEdits(text);
-  } else if (isList && code == CBN_SELCHANGE) {
+  } else if (isList && (code == CBN_SELCHANGE || code == CBN_SELENDCANCEL || code == CBN_CLOSEUP)) {
+    // What an open list is closed with need not be what was told last: Esc takes the choice back without a word.
     control.userSelects(static_cast<std::int32_t>(SendMessageW(source, CB_GETCURSEL, 0, 0)));
   } else if (!isText && !isList && code == BN_CLICKED) {
     control.userClicks();

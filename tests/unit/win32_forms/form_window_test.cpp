@@ -316,6 +316,44 @@ TEST_F(FormWindow, List_ShowsTheEntriesAndTellsTheForm) {
   });
 }
 
+TEST_F(FormWindow, List_ClosedByEscOrEnter_HasTheFormAgreeAndTheDialogStay) {
+  for (const WORD key : {WORD{VK_ESCAPE}, WORD{VK_RETURN}}) {
+    modeless([&](const DialogUser& user) {
+      EXPECT_TRUE(user.click(L"Next >"));
+      const HWND list = user.list();
+      EXPECT_TRUE(user.waitForFocus(list));
+      const auto isOpen = [&] { return SendMessageW(list, CB_GETDROPPEDSTATE, 0, 0) != 0; };
+      user.press(VK_F4);
+      EXPECT_TRUE(waitUntil(isOpen));
+      user.press(VK_DOWN);
+      user.press(key);
+      EXPECT_TRUE(waitUntil([&] { return !isOpen(); }));
+      EXPECT_TRUE(user.isThere());
+      EXPECT_EQ(user.list(), list);  // on the same page
+      EXPECT_EQ(wizard->Find(u"cboSCAddress")->ListIndex(), SendMessageW(list, CB_GETCURSEL, 0, 0));
+      if (key == VK_RETURN) {
+        EXPECT_EQ(SendMessageW(list, CB_GETCURSEL, 0, 0), 2);
+      }
+    });
+    wizard = platform::make<addin::frmwizard>();
+  }
+}
+
+// Some systems take a choice back without telling of another one.
+TEST_F(FormWindow, List_ClosedWithAnotherEntryThanTheLastTold_HasTheFormAgree) {
+  modeless([&](const DialogUser& user) {
+    EXPECT_TRUE(user.click(L"Next >"));
+    const HWND list = user.list();
+    for (const WORD notice : {WORD{CBN_SELENDCANCEL}, WORD{CBN_CLOSEUP}}) {
+      user.select(list, 2);
+      EXPECT_EQ(wizard->Find(u"cboSCAddress")->ListIndex(), 2);
+      SendMessageW(list, CB_SETCURSEL, 1, 0);
+      SendMessageW(user.dialog(), WM_COMMAND, MAKEWPARAM(GetDlgCtrlID(list), notice), reinterpret_cast<LPARAM>(list));
+      EXPECT_EQ(wizard->Find(u"cboSCAddress")->ListIndex(), 1) << notice;
+    }
+  });
+}
+
 TEST_F(FormWindow, List_AsLongAsItCanBeAndOneEntryOfTenMegabytes_OpensQuickly) {
   std::string many;
   for (int i = 0; i < 33000; ++i) many += "Operator (+" + std::to_string(i) + ")\n";
