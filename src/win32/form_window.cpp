@@ -17,8 +17,8 @@ using platform::Form;
 
 constexpr WORD firstId = 100;
 
-// A dialog template without controls; the dialog manager needs one.
-struct EmptyTemplate {
+// A dialog template without controls; the dialog manager needs one, and reads it as double words.
+struct alignas(4) EmptyTemplate {
   DLGTEMPLATE head{};
   WORD menu = 0;
   WORD windowClass = 0;

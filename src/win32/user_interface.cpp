@@ -28,7 +28,7 @@ HWND ownerOfDialogs() {
 // False when a quit message came; it is posted again.
 bool serveUntilUnloaded(const platform::Form& form) {
   while (form.IsLoaded()) {
-    MSG message;
+    MSG message{};  // a failure, which ends the wait too, leaves it as it is
     if (GetMessageW(&message, nullptr, 0, 0) <= 0) {
       PostQuitMessage(static_cast<int>(message.wParam));
       return false;
