@@ -58,6 +58,18 @@ TEST_F(Forms, StartUp_WizardValueMissing_ShowsIt) {
   EXPECT_EQ(system.ui.shown.size(), 1u);
 }
 
+TEST_F(Forms, StartUp_WizardValueThatIsNoNumber_IsLoggedAndShowsIt) {
+  setOption("WizardDone", "done");
+  system.ui.whenShown = [this](ScriptedView& view) {
+    EXPECT_EQ(newTrace(), (Lines{"Error:13, Type mismatch, mrktxtmsg"}));
+    view.close();
+  };
+  init();
+  EXPECT_TRUE(addIn->StartUpCompleted());
+  EXPECT_EQ(system.ui.shown, (std::vector<Shown>{{u"frmwizard", FormModality::Modal}}));
+  EXPECT_EQ(form->calls().back(), "PublishForm(2)");  // the last step
+}
+
 TEST_F(Forms, StartUp_WizardDone_ShowsNone) {
   init();
   EXPECT_TRUE(addIn->StartUpCompleted());
