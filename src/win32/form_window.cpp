@@ -15,8 +15,8 @@ using platform::Control;
 using platform::ControlKind;
 using platform::Form;
 
-// A dialog template without controls; the dialog manager needs one.
-struct EmptyTemplate {
+// A dialog template without controls; the dialog manager needs one, and reads it as double words.
+struct alignas(4) EmptyTemplate {
   DLGTEMPLATE head{};
   WORD menu = 0;
   WORD windowClass = 0;
@@ -62,14 +62,17 @@ platform::Ref<FormWindow> FormWindow::open(Form& form, HWND owner, const LOGFONT
   EmptyTemplate dialog;
   dialog.head.style = WS_POPUP | WS_CAPTION | WS_SYSMENU | WS_CLIPCHILDREN | DS_MODALFRAME;
   dialog.head.dwExtendedStyle = WS_EX_CONTROLPARENT;
-  const HWND window =
-      CreateDialogIndirectParamW(ownModule(), &dialog.head, owner, procedure, reinterpret_cast<LPARAM>(made.get()));
-  if (!made.get()->ready_) {
-    if (window) DestroyWindow(window);
-    platform::raiseError(7);
+  CreateDialogIndirectParamW(ownModule(), &dialog.head, owner, procedure, reinterpret_cast<LPARAM>(made.get()));
+  // Making windows lets others on this thread run: the form may have been unloaded meanwhile, or shown by somebody
+  // else.
+  const bool isWanted = form.IsLoaded() && !form.View();
+  if (made.get()->ready_ && made.get()->window_ && isWanted) {
+    form.SetView(made.get());
+    return made;
   }
-  form.SetView(made.get());
-  return made;
+  if (made.get()->window_) DestroyWindow(made.get()->window_);
+  if (isWanted) platform::raiseError(7);
+  return nullptr;
 }
 
 INT_PTR CALLBACK FormWindow::procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept {
@@ -139,11 +142,14 @@ void FormWindow::place() {
                SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
+// The windows that lose the activation are told, and one of them may unload the form.
 void FormWindow::bringToFront() {
+  if (!form_) return;
   const bool wasHidden = !IsWindowVisible(window_);
   ShowWindow(window_, SW_SHOW);
+  if (!form_) return;
   SetForegroundWindow(window_);
-  if (!wasHidden) return;
+  if (!form_ || !wasHidden) return;
   if (Control* const active = form_.get()->ActiveControl(); active && active->IsUsable())
     focusMoved(*active);
   else if (const HWND first = GetNextDlgTabItem(window_, nullptr, FALSE))
@@ -174,7 +180,8 @@ void FormWindow::notice(Control& control, WORD code, HWND source) {
     platform::String text(static_cast<std::size_t>(GetWindowTextLengthW(source)), u'\0');
     text.resize(static_cast<std::size_t>(GetWindowTextW(source, wide(text), static_cast<int>(text.size()) + 1)));
     control.userEdits(text);
-  } else if (isList && code == CBN_SELCHANGE) {
+  } else if (isList && (code == CBN_SELCHANGE || code == CBN_SELENDCANCEL || code == CBN_CLOSEUP)) {
+    // What an open list is closed with need not be what was told last: Esc takes the choice back without a word.
     control.userSelects(static_cast<std::int32_t>(SendMessageW(source, CB_GETCURSEL, 0, 0)));
   } else if (!isText && !isList && code == BN_CLICKED) {
     control.userClicks();
@@ -200,8 +207,11 @@ void FormWindow::blockOthers() {
   OtherWindows others{window_, {}};
   EnumThreadWindows(GetCurrentThreadId(), addUsable, reinterpret_cast<LPARAM>(&others));
   for (const HWND window : others.found) {
-    EnableWindow(window, FALSE);
     blocked_.push_back(window);
+    EnableWindow(window, FALSE);
+    if (form_) continue;
+    EnableWindow(window, TRUE);  // told of this, it unloaded the form, maybe before it was disabled
+    return;
   }
 }
 

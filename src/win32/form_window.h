@@ -14,13 +14,14 @@ namespace win32 {
 class FormWindow final : public platform::FormView, public platform::Counted {
  public:
   // Opens the dialog of a form that has no view: hidden, above `owner` and in its middle. It keeps itself and the form
-  // until the form is unloaded, or the window goes with its owner, which unloads the form. Error 7 when Windows makes
-  // no window.
+  // until the form is unloaded, or the window goes with its owner, which unloads the form. Null when the form has been
+  // unloaded or has got a view meanwhile; error 7 when Windows makes no window.
   static platform::Ref<FormWindow> open(platform::Form& form, HWND owner, const LOGFONTW& font);
 
   FormWindow(platform::Form& form, const LOGFONTW& font) : form_(&form), look_(font) {}
 
   HWND handle() const { return window_; }
+  // These two may find, or leave, the form unloaded.
   void bringToFront();
   // From now on, until this one goes, the thread's other windows take no input.
   void blockOthers();

@@ -66,10 +66,15 @@ LRESULT CALLBACK filter(HWND edit, UINT message, WPARAM wParam, LPARAM lParam) n
       paste(edit, control);
       return 0;
     }
-    const bool isCommand = wParam == copyCode || wParam == cutCode || wParam == undoCode;
-    if (message == WM_CHAR && !isCommand) {
-      insert(edit, control, wParam, lParam);
-      return 0;
+    if (message == WM_CHAR) {
+      const bool isCommand = wParam == copyCode || wParam == cutCode || wParam == undoCode;
+      if (!isCommand) {
+        insert(edit, control, wParam, lParam);
+        return 0;
+      }
+      // A form sees every key, and what it does beside filtering holds for these too. But no character comes of them,
+      // so its answer, which would take copying and cutting from the user, is not asked for.
+      control.userPresses(static_cast<std::int32_t>(wParam));
     }
     const LRESULT result = callOld(edit, message, wParam, lParam);
     if (message == WM_NCDESTROY) RemovePropW(edit, oldProcedure);

@@ -84,6 +84,7 @@ void Shell::htmlHelp(platform::WindowHandle owner, const std::string& path, std:
 
 std::int32_t Shell::platformId() {
   OSVERSIONINFOA version{};
+  static_assert(sizeof version == 148 && sizeof version.szCSDVersion == 128);  // which record it is, its size tells
   version.dwOSVersionInfoSize = sizeof version;
   GetVersionExA(&version);
   return static_cast<std::int32_t>(version.dwPlatformId);

@@ -28,7 +28,7 @@ HWND ownerOfDialogs() {
 // False when a quit message came; it is posted again.
 bool serveUntilUnloaded(const platform::Form& form) {
   while (form.IsLoaded()) {
-    MSG message;
+    MSG message{};  // a failure, which ends the wait too, leaves it as it is
     if (GetMessageW(&message, nullptr, 0, 0) <= 0) {
       PostQuitMessage(static_cast<int>(message.wParam));
       return false;
@@ -50,6 +50,7 @@ std::int32_t UserInterface::messageBox(platform::StringView prompt, std::int32_t
 bool UserInterface::showForm(platform::Form& form, platform::FormModality modality) {
   platform::Ref<FormWindow> window(static_cast<FormWindow*>(form.View()));  // all views are of this kind here
   if (!window) window = FormWindow::open(form, ownerOfDialogs(), messageFont());
+  if (!window) return true;
   if (modality == platform::FormModality::Modal) window.get()->blockOthers();
   window.get()->bringToFront();
   if (modality == platform::FormModality::Modeless) return true;

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "addin/platform/form.h"
+#include "addin/platform/runtime_error.h"
 #include "addin/platform/system.h"
 #include "support/journal.h"
 #include "support/native_locale.h"
@@ -134,10 +135,14 @@ class NativeUserInterface final : public platform::UserInterface {
 
 class NativeModule final : public platform::Module {
  public:
-  platform::Version version() override { return versionNumber; }
+  platform::Version version() override {
+    if (hasNoVersion) platform::raiseError(53);
+    return versionNumber;
+  }
   platform::String folder() override { return path; }
 
   platform::Version versionNumber{1, 0, 0};
+  bool hasNoVersion = false;
   platform::String path = u"C:\\Program Files\\Marrick";
 };
 

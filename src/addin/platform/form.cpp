@@ -157,14 +157,16 @@ Control* Form::Find(StringView name) const {
 
 bool Form::Show(FormModality modality) {
   if (modality == FormModality::Modeless && modalForms > 0) raiseError(401);
-  const Ref<Form> self(this);  // who holds the form may let go of it while it is open
+  if (modality == FormModality::Modeless && loading_) return true;  // it is about to be shown
+  const Ref<Form> self(this);         // who holds the form may let go of it while it is open
+  const ModalForm counted(modality);  // from before it is loaded: loading may serve messages
   try {
     if (!loaded_) {
-      loaded_ = true;
+      loaded_ = loading_ = true;
       Form_Load();
       if (!loaded_) return true;  // the owner was torn down meanwhile
+      loading_ = false;
     }
-    const ModalForm counted(modality);
     return system().ui.showForm(*this, modality);
   } catch (...) {
     if (!view_) Unload();
@@ -175,7 +177,7 @@ bool Form::Show(FormModality modality) {
 void Form::Unload() {
   if (!loaded_) return;
   const Hold<Form> self(this);
-  loaded_ = false;
+  loaded_ = loading_ = false;
   Form_Unload();
   if (view_) std::exchange(view_, nullptr)->unloaded();
   if (const auto tell = std::exchange(whenUnloaded, nullptr)) tell();

@@ -136,7 +136,7 @@ class Form : public Counted {
 
   // Loads the form when it is not loaded, and shows it or brings it to the front. A modal one is waited for until it
   // has been unloaded; false when a quit message ended the wait. Error 401 for a modeless one while a modal one is
-  // open, on this thread.
+  // being loaded or open, on this thread. Nothing for a modeless one that is being loaded: that ends in showing it.
   bool Show(FormModality modality);
   // Takes the form from the screen and ends it. Nothing when it is not loaded.
   void Unload();
@@ -179,6 +179,7 @@ class Form : public Counted {
   Control* activeControl_ = nullptr;
   FormView* view_ = nullptr;
   bool loaded_ = false;
+  bool loading_ = false;  // Form_Load is running, and nobody has unloaded it
 };
 
 }  // namespace platform

@@ -68,6 +68,8 @@ void frmwizard::LoadTexts() {
   txtPollIntervall.accessibleName = concat(chkAutoPoll.Caption(), u" ", lblMinutes.Caption());
 }
 
+// Unlike the other captions this one stands for two texts, so when the localizer fails the English one is set: the
+// caption that is there may be that of another page.
 void frmwizard::SetNextCaption(std::int16_t id, StringView englishText) {
   String text(englishText);
   onErrorResumeNext([&] {

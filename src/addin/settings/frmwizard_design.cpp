@@ -72,12 +72,15 @@ void frmwizard::DesignPages() {
   field(txtOwnSCAddress, {12, 64, 120, fieldHeight});
 
   heading(lblSendAndReceive, u"Send and Receive");
+  lblSendAndReceive.noMnemonic = true;
   design(chkAutoPoll, u"I want to send and receive text messages every", {0, 16, pageWidth, 20});
   field(txtPollIntervall, {12, 38, 26, fieldHeight});
   design(lblMinutes, u"minutes.", {43, 40, 150, 10});
+  lblMinutes.noMnemonic = true;
   design(chkAutoRemove, u"Remove text messages from the SIM card when retrieved in the Inbox.", {0, 64, pageWidth, 20});
 
   heading(lblPersonalize, u"User Information");
+  lblPersonalize.noMnemonic = true;
   design(lblName, u"Full Name:", {0, 18, pageWidth, 10});
   field(txtName, {0, 30, pageWidth, fieldHeight});
   design(lblPhoneNo, u"Mobile Phone Number:", {0, 54, pageWidth, 10});

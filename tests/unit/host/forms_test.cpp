@@ -58,6 +58,18 @@ TEST_F(Forms, StartUp_WizardValueMissing_ShowsIt) {
   EXPECT_EQ(system.ui.shown.size(), 1u);
 }
 
+TEST_F(Forms, StartUp_WizardValueThatIsNoNumber_IsLoggedAndShowsIt) {
+  setOption("WizardDone", "done");
+  system.ui.whenShown = [this](ScriptedView& view) {
+    EXPECT_EQ(newTrace(), (Lines{"Error:13, Type mismatch, mrktxtmsg"}));
+    view.close();
+  };
+  init();
+  EXPECT_TRUE(addIn->StartUpCompleted());
+  EXPECT_EQ(system.ui.shown, (std::vector<Shown>{{u"frmwizard", FormModality::Modal}}));
+  EXPECT_EQ(form->calls().back(), "PublishForm(2)");  // the last step
+}
+
 TEST_F(Forms, StartUp_WizardDone_ShowsNone) {
   init();
   EXPECT_TRUE(addIn->StartUpCompleted());
@@ -162,6 +174,39 @@ TEST_F(Forms, NewClick_WhileTheModalWizardIsOpen_IsError401) {
   system.ui.whenShown = nullptr;
   click("About Text Message Add-In");  // now it can be
   EXPECT_TRUE(system.ui.isOpen(u"frmabout"));
+}
+
+// Creating the localizer is a call into another program, and such a call serves messages.
+TEST_F(Forms, NewClick_WhileTheModalWizardLoads_IsError401) {
+  setOption("WizardDone", 0u);
+  init();
+  system.objects.provide(u"mrktxtmsgres.localizer", [this]() -> Object {
+    if (system.ui.shown.empty()) click("New Text Message");  // later ones are not for the wizard
+    raiseError(429);
+  });
+  system.ui.whenShown = [this](ScriptedView& view) {
+    EXPECT_EQ(newTrace(), Lines{error401});
+    view.close();
+  };
+  EXPECT_TRUE(addIn->StartUpCompleted());
+  EXPECT_EQ(system.ui.shown, (std::vector<Shown>{{u"frmwizard", FormModality::Modal}}));
+}
+
+TEST_F(Forms, NewClick_WhileTheModelessWizardLoads_IsLeftToTheFirstOne) {
+  start();
+  setOption("WizardDone", 0u);
+  int clicks = 0;
+  system.objects.provide(u"mrktxtmsgres.localizer", [&]() -> Object {
+    if (++clicks == 1) click("New Text Message");
+    raiseError(429);
+  });
+  click("New Text Message");
+  EXPECT_GE(clicks, 1);
+  EXPECT_EQ(newTrace(), Lines{});
+  EXPECT_EQ(system.ui.shown, (std::vector<Shown>{{u"frmwizard", FormModality::Modeless}}));
+  EXPECT_TRUE(wizard().seen("pageWelcome"));
+  for (const char* page : {"pageServiceCentre", "pageSendReceive", "pageUserInformation"})
+    EXPECT_FALSE(wizard().seen(page)) << page;
 }
 
 TEST_F(Forms, NewClick_Twice_IsOneWizardBroughtToTheFront) {

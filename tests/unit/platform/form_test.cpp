@@ -247,6 +247,40 @@ TEST_F(FormTest, Show_ModelessWhileAModalOneIsOpen_IsError401AndLoadsNothing) {
   EXPECT_TRUE(other->Show(FormModality::Modeless));
 }
 
+TEST_F(FormTest, Show_ModelessWhileItLoads_IsShownOnceWhenItHasLoaded) {
+  form->whenLoading = [&] {
+    EXPECT_TRUE(form->Show(FormModality::Modeless));
+    EXPECT_TRUE(system.ui.shown.empty());
+  };
+  show();
+  EXPECT_EQ(system.ui.shown.size(), 1u);
+  show();  // now it is brought to the front again
+  EXPECT_EQ(system.ui.shown.size(), 2u);
+}
+
+TEST_F(FormTest, Show_ModelessWhileAModalOneLoads_IsError401) {
+  form->whenLoading = [&] { EXPECT_EQ(errorNumberOf([&] { form->Show(FormModality::Modeless); }), 401); };
+  system.ui.whenShown = [](ScriptedView& view) { view.close(); };
+  EXPECT_TRUE(form->Show(FormModality::Modal));
+  form->whenLoading = [] { raiseError(70); };
+  EXPECT_EQ(errorNumberOf([&] { form->Show(FormModality::Modal); }), 70);
+  form->whenLoading = nullptr;
+  EXPECT_TRUE(form->Show(FormModality::Modeless));  // nothing is thought to load or to be open
+  EXPECT_EQ(system.ui.shown.size(), 2u);
+}
+
+TEST_F(FormTest, Show_UnloadedWhileItLoads_CanBeShownAtOnce) {
+  int loads = 0;
+  form->whenLoading = [&] {
+    if (++loads > 1) return;
+    form->Unload();
+    EXPECT_TRUE(form->Show(FormModality::Modeless));
+    EXPECT_TRUE(system.ui.isOpen(u"frmSample"));
+  };
+  show();
+  EXPECT_EQ(loads, 2);
+}
+
 TEST_F(FormTest, Show_ModalInsideModal_EndsBoth) {
   const auto inner = make<SampleForm>();
   system.ui.whenShown = [&](ScriptedView& view) {

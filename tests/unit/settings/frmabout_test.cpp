@@ -67,12 +67,29 @@ TEST_F(About, WithoutLocalizer_ShowsItsDesign) {
 }
 
 TEST_F(About, LocalizerFailingOnOneText_SkipsThatOne) {
-  provideLocalizer().method(u"getlocalizedresstring", [](Args a) {
-    if (CLng(a[0]) == 101) raiseError(70);
-    return Variant(concat(u"L", CLng(a[0])));
-  });
-  EXPECT_EQ(captions(open()), (Lines{"L307", "Marrick Text Message Add-In For Outlook",
-                                     "Marrick Text Message Add-In For Outlook", "L308 2.10.345", "L310", "L416"}));
+  const std::string title = "Marrick Text Message Add-In For Outlook";
+  const std::vector<std::pair<std::int32_t, Lines>> cases{
+      {307, {"About Text Message Add-In", "L101", "L101", "L308 2.10.345", "L310", "L416"}},
+      {101, {"L307", title, title, "L308 2.10.345", "L310", "L416"}},
+      {308, {"L307", "L101", "L101", "Version 1.0.0", "L310", "L416"}},
+      {310, {"L307", "L101", "L101", "L308 2.10.345", copyright, "L416"}},
+      {416, {"L307", "L101", "L101", "L308 2.10.345", "L310", "OK"}}};
+  for (const auto& [failing, expected] : cases) {
+    provideLocalizer().method(u"getlocalizedresstring", [id = failing](Args a) {
+      if (CLng(a[0]) == id) raiseError(70);
+      return Variant(concat(u"L", CLng(a[0])));
+    });
+    about = make<frmabout>();
+    ScriptedView& view = open();
+    EXPECT_EQ(captions(view), expected) << failing;
+    view.close();
+  }
+}
+
+TEST_F(About, VersionThatCannotBeRead_LeavesTheLineOfTheDesign) {
+  provideLocalizer();
+  system.module.hasNoVersion = true;
+  EXPECT_EQ(captions(open()), (Lines{"L307", "L101", "L101", "Version 1.0.0", "L310", "L416"}));
 }
 
 TEST_F(About, OkClick_UnloadsIt) {

@@ -110,6 +110,57 @@ TEST_F(WizardSettings, TextThatIsNoNumber_SkipsItsLineOnly) {
   EXPECT_FALSE(view.enabled("txtOwnSCAddress"));
 }
 
+TEST_F(WizardSettings, TextThatIsNoNumber_LeavesEveryOtherValueAsItIsStored) {
+  const auto shownValues = [this] {
+    Lines values{std::to_string(selected()), shown("txtOwnSCAddress"), shown("txtName"), shown("txtPhoneNo")};
+    values.push_back("UseOwn " + std::to_string(ticked("chkOwnSCAddress")));
+    values.push_back("Auto " + std::to_string(ticked("chkAutoPoll")));
+    values.push_back("Interval " + shown("txtPollIntervall"));
+    values.push_back("Remove " + std::to_string(ticked("chkAutoRemove")));
+    return values;
+  };
+  struct Case {
+    const char* name;
+    std::size_t line;
+    const char* design;
+  };
+  for (const Case& c :
+       {Case{"SCAddress_UseOwn", 4, "UseOwn 0"}, Case{"SendReceive_UseAuto", 5, "Auto 0"},
+        Case{"SendReceive_AutoIntervall", 6, "Interval "}, Case{"SendReceive_AutoRemove", 7, "Remove 0"}})
+    for (const char* text : {"soon", "99999999999"}) {
+      setOption("SCAddress", "North (+1 23)");
+      setOption("SCAddress_Own", "(+46)");
+      for (const char* name : {"SCAddress_UseOwn", "SendReceive_UseAuto", "SendReceive_AutoRemove"})
+        setOption(name, 1u);
+      setOption("SendReceive_AutoIntervall", 15u);
+      setUser();
+      setOption(c.name, text);
+      Lines expected{"2", "+46", "Anna", "+46701", "UseOwn 1", "Auto 1", "Interval 15", "Remove 1"};
+      expected[c.line] = c.design;
+      ScriptedView& view = open();
+      EXPECT_EQ(shownValues(), expected) << c.name << " = " << text;
+      EXPECT_EQ(view.enabled("txtOwnSCAddress"), ticked("chkOwnSCAddress"));
+      EXPECT_EQ(view.enabled("cboSCAddress"), !ticked("chkOwnSCAddress"));
+      EXPECT_EQ(view.enabled("txtPollIntervall"), ticked("chkAutoPoll"));
+    }
+}
+
+TEST_F(WizardSettings, Loading_AsksForTheTextsFirstAndThenForEachValueInTurn) {
+  system.registry.setString(rootLocalMachine, ntKey, "RegisteredOwner", "Registered Owner");
+  system.journal.clear();
+  open();
+  Lines asked;
+  for (const std::string& line : system.journal.lines())
+    if (line.starts_with("query size "))
+      asked.push_back(line.substr(line.find('"'), line.rfind('"') + 1 - line.find('"')));
+    else if (line.starts_with("create ") || line.starts_with("read ") || line.starts_with("form "))
+      asked.push_back(line);
+  EXPECT_EQ(asked, (Lines{"create object mrktxtmsgres.localizer", "\"SMSCPath\"", "read file \"C:\\Marrick\\smsc.txt\"",
+                          "\"SCAddress\"", "\"SCAddress_Own\"", "\"SCAddress_UseOwn\"", "\"SendReceive_UseAuto\"",
+                          "\"SendReceive_AutoIntervall\"", "\"SendReceive_AutoRemove\"", "\"My_FullName\"",
+                          "\"RegisteredOwner\"", "\"My_PhoneNo\"", "form frmwizard"}));
+}
+
 TEST_F(WizardSettings, ValuesOfOtherTypes_AreMissing) {
   for (const char* name : {"SCAddress", "SCAddress_Own", "SCAddress_UseOwn", "SendReceive_UseAuto",
                            "SendReceive_AutoIntervall", "SendReceive_AutoRemove", "My_FullName", "My_PhoneNo"})
@@ -261,6 +312,13 @@ TEST_F(WizardSettings, SelectServiceCentre_SameEntryTwice_TakesTheFirst) {
   EXPECT_EQ(selected(), 2);
 }
 
+TEST_F(WizardSettings, SelectServiceCentre_NothingStored_IsTheEmptyEntryWhenThereIsOne) {
+  setList("H\nA\n\nB");
+  ScriptedView& view = open();
+  EXPECT_EQ(view.entries("cboSCAddress"), (Lines{"H", "A", "", "B"}));
+  EXPECT_EQ(selected(), 2);
+}
+
 TEST_F(WizardSettings, SelectServiceCentre_HeadingAlone_LeavesNothingSelected) {
   setList("Head\r\n");
   setOption("SCAddress", "Head");
@@ -329,6 +387,17 @@ TEST_F(WizardSettings, Finish_OwnNumber_IsWrappedAndShownWithoutParenthesesNextT
   EXPECT_EQ(shown("txtOwnSCAddress"), "+4670");
 }
 
+// What is between the first "(" and the first ")" behind it, as for an entry of the list.
+TEST_F(WizardSettings, Finish_OwnNumberWithParentheses_LosesItsEndNextTime) {
+  setUser();
+  ScriptedView& view = openPage(2);
+  view.click("chkOwnSCAddress").type("txtOwnSCAddress", u"+46 (0)70").click("btnNext").click("btnNext");
+  view.click("btnNext");
+  EXPECT_EQ(stored("SCAddress_Own"), text("(+46 (0)70)"));
+  open();
+  EXPECT_EQ(shown("txtOwnSCAddress"), "+46(0");
+}
+
 TEST_F(WizardSettings, Finish_EmptyList_KeepsTheStoredEntry) {
   setUser();
   setNoList();
@@ -374,6 +443,41 @@ TEST_F(WizardSettings, Finish_RegistryThatCannotBeWritten_IsSkippedSilently) {
     EXPECT_FALSE(stored("WizardDone")) << call;
     system.registry.failNoMore();
   }
+}
+
+TEST_F(WizardSettings, Finish_OneValueThatCannotBeWritten_IsSkippedAlone) {
+  setUser();
+  ScriptedView& view = openPage(4);
+  system.registry.clearLog();
+  int saves = 0;
+  system.registry.afterCall = [&saves](const std::string& line) {
+    if (line.starts_with("create ") && ++saves == 3) raiseError(70);
+  };
+  view.click("btnNext");
+  system.registry.afterCall = nullptr;
+  EXPECT_EQ(saves, 9);
+  EXPECT_EQ(writes(), (Lines{"\"SCAddress\" type 1, 28 bytes", "\"SCAddress_Own\" type 1, 2 bytes",
+                             "\"SendReceive_UseAuto\" type 4, 4 bytes", "\"SendReceive_AutoIntervall\" type 4, 4 bytes",
+                             "\"SendReceive_AutoRemove\" type 4, 4 bytes", "\"My_FullName\" type 1, 4 bytes",
+                             "\"My_PhoneNo\" type 1, 6 bytes", "\"WizardDone\" type 4, 4 bytes"}));
+  EXPECT_FALSE(stored("SCAddress_UseOwn"));
+  EXPECT_EQ(stored("WizardDone"), number(1));
+  EXPECT_FALSE(isOpen());
+}
+
+TEST_F(WizardSettings, Finish_IntervalOfNothing_IsWrittenAsItStands) {
+  setUser();
+  openPage(3).erase("txtPollIntervall").type("txtPollIntervall", u"0").click("btnNext").click("btnNext");
+  EXPECT_EQ(stored("SendReceive_AutoIntervall"), number(0));
+}
+
+TEST_F(WizardSettings, Finish_StoredIntervalBelowNothing_IsShownAndWrittenBack) {
+  setUser();
+  setOption("SendReceive_AutoIntervall", 0xFFFFFFFFu);
+  open();
+  EXPECT_EQ(shown("txtPollIntervall"), "-1");
+  finish();
+  EXPECT_EQ(stored("SendReceive_AutoIntervall"), (RegistryValue{testing_support::regDword, "\xFF\xFF\xFF\xFF"}));
 }
 
 TEST_F(WizardSettings, Finish_PressedTwice_SavesOnce) {

@@ -233,6 +233,52 @@ TEST_F(FormWindow, RefusedCharacter_SelectsNothing) {
   });
 }
 
+// Cutting, copying and undoing are keys too: the button follows the text as it was before them.
+TEST_F(FormWindow, CutAndCopyByKey_GoThroughTheFilterAndAreDoneAllTheSame) {
+  setOption("My_FullName", "Anna");
+  modeless([](const DialogUser& user) {
+    goToPage4(user);
+    const HWND phone = user.edit(1);
+    const HWND finish = user.button(L"Finish");
+    const auto press = [&](WPARAM code) {
+      SendMessageW(phone, WM_CHAR, code, 1);
+      return DialogUser::textOf(phone);
+    };
+    EXPECT_EQ(press(L'4'), L"4");
+    EXPECT_FALSE(IsWindowEnabled(finish));
+    SendMessageW(phone, EM_SETSEL, 0, -1);
+    EXPECT_EQ(press(24), L"");
+    EXPECT_TRUE(IsWindowEnabled(finish));
+    EXPECT_EQ(press(L'7'), L"7");
+    EXPECT_FALSE(IsWindowEnabled(finish));
+    SendMessageW(phone, EM_SETSEL, 0, -1);
+    EXPECT_EQ(press(3), L"7");
+    EXPECT_TRUE(IsWindowEnabled(finish));
+    SendMessageW(phone, EM_SETSEL, 1, 1);
+    SendMessageW(phone, WM_PASTE, 0, 0);
+    EXPECT_EQ(DialogUser::textOf(phone), L"77");  // it had been copied
+  });
+}
+
+TEST_F(FormWindow, UndoByKey_GoesThroughTheFilterAndIsDoneAllTheSame) {
+  setOption("My_FullName", "Anna");
+  modeless([](const DialogUser& user) {
+    goToPage4(user);
+    const HWND phone = user.edit(1);
+    SendMessageW(phone, WM_CHAR, L'4', 1);
+    SendMessageW(phone, EM_EMPTYUNDOBUFFER, 0, 0);
+    SendMessageW(phone, EM_SETSEL, 0, -1);
+    SendMessageW(phone, WM_CLEAR, 0, 0);
+    EXPECT_EQ(DialogUser::textOf(phone), L"");
+    SendMessageW(phone, WM_CHAR, 26, 1);
+    EXPECT_EQ(DialogUser::textOf(phone), L"4");
+    EXPECT_FALSE(IsWindowEnabled(user.button(L"Finish")));  // the text was empty when the key came
+    SendMessageW(phone, EM_SETSEL, 1, 1);
+    SendMessageW(phone, WM_CHAR, L'6', 1);
+    EXPECT_TRUE(IsWindowEnabled(user.button(L"Finish")));
+  });
+}
+
 TEST_F(FormWindow, PhoneNumber_IsFifteenCharactersAtMost) {
   modeless([](const DialogUser& user) {
     goToPage4(user);
@@ -267,6 +313,44 @@ TEST_F(FormWindow, List_ShowsTheEntriesAndTellsTheForm) {
     EXPECT_EQ(SendMessageW(list, CB_GETCURSEL, 0, 0), 1);
     user.select(list, 2);
     EXPECT_EQ(wizard->Find(u"cboSCAddress")->ListIndex(), 2);
+  });
+}
+
+TEST_F(FormWindow, List_ClosedByEscOrEnter_HasTheFormAgreeAndTheDialogStay) {
+  for (const WORD key : {WORD{VK_ESCAPE}, WORD{VK_RETURN}}) {
+    modeless([&](const DialogUser& user) {
+      EXPECT_TRUE(user.click(L"Next >"));
+      const HWND list = user.list();
+      EXPECT_TRUE(user.waitForFocus(list));
+      const auto isOpen = [&] { return SendMessageW(list, CB_GETDROPPEDSTATE, 0, 0) != 0; };
+      user.press(VK_F4);
+      EXPECT_TRUE(waitUntil(isOpen));
+      user.press(VK_DOWN);
+      user.press(key);
+      EXPECT_TRUE(waitUntil([&] { return !isOpen(); }));
+      EXPECT_TRUE(user.isThere());
+      EXPECT_EQ(user.list(), list);  // on the same page
+      EXPECT_EQ(wizard->Find(u"cboSCAddress")->ListIndex(), SendMessageW(list, CB_GETCURSEL, 0, 0));
+      if (key == VK_RETURN) {
+        EXPECT_EQ(SendMessageW(list, CB_GETCURSEL, 0, 0), 2);
+      }
+    });
+    wizard = platform::make<addin::frmwizard>();
+  }
+}
+
+// Some systems take a choice back without telling of another one.
+TEST_F(FormWindow, List_ClosedWithAnotherEntryThanTheLastTold_HasTheFormAgree) {
+  modeless([&](const DialogUser& user) {
+    EXPECT_TRUE(user.click(L"Next >"));
+    const HWND list = user.list();
+    for (const WORD notice : {WORD{CBN_SELENDCANCEL}, WORD{CBN_CLOSEUP}}) {
+      user.select(list, 2);
+      EXPECT_EQ(wizard->Find(u"cboSCAddress")->ListIndex(), 2);
+      SendMessageW(list, CB_SETCURSEL, 1, 0);
+      SendMessageW(user.dialog(), WM_COMMAND, MAKEWPARAM(GetDlgCtrlID(list), notice), reinterpret_cast<LPARAM>(list));
+      EXPECT_EQ(wizard->Find(u"cboSCAddress")->ListIndex(), 1) << notice;
+    }
   });
 }
 

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 
+#include "addin/platform/convert.h"
 #include "form_fixture.h"
+#include "support/fake_object.h"
 #include "win32/form_window.h"
 
 namespace win32_tests {
@@ -121,6 +123,22 @@ TEST_P(Layout, Accelerators_AreOfOneControlEachOnEveryPage) {
   for (const char* expected : {"BCHN", "BCHINS", "BCHINR", "BCFHMN"}) {
     EXPECT_EQ(accelerators(dialog), expected);
     if (expected != std::string("BCFHMN")) wizard->Find(u"btnNext")->userClicks();
+  }
+}
+
+// Such a mark would be an accelerator that nobody has checked against the others.
+TEST_P(Layout, AndSign_InALabelOfNoField_IsShownAsItStands) {
+  const auto localizer = testing_support::fake("Localizer");
+  localizer->method(u"getlocalizedresstring", [](platform::Args a) {
+    const std::int32_t id = platform::CLng(a[0]);
+    return id == 404 || id == 407 || id == 409 ? platform::Variant(platform::concat(u"A & B", id)) : a[1];
+  });
+  native.objects.provide(u"mrktxtmsgres.localizer", [&] { return localizer->object(); });
+  const HWND dialog = show(*wizard);
+  for (const wchar_t* text : {L"A & B404", L"A & B407", L"A & B409"}) {
+    const HWND label = FindWindowExW(dialog, nullptr, L"STATIC", text);
+    ASSERT_NE(label, nullptr) << utf8(reinterpret_cast<const char16_t*>(text));
+    EXPECT_NE(GetWindowLongW(label, GWL_STYLE) & SS_NOPREFIX, 0);
   }
 }
 
