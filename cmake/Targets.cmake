@@ -7,6 +7,10 @@ target_compile_options(project_options INTERFACE
   $<$<COMPILE_LANGUAGE:CXX>:-Wall;-Wextra;-Wpedantic;-Wconversion;-Wshadow;-Werror>
   # GCC 12 sees overlapping copies in std::basic_string::replace that are none (its bug 105329).
   $<$<COMPILE_LANGUAGE:CXX>:-Wno-restrict>)
+if(CMAKE_UNITY_BUILD)
+  # A source that is compiled with others looks like a header to GCC, which warns of unnamed namespaces in headers.
+  target_compile_options(project_options INTERFACE -Wno-subobject-linkage)
+endif()
 if(WIN32)
   # Windows 2000 is the oldest system that the add-in runs on: a newer function does not compile by accident.
   target_compile_definitions(project_options INTERFACE UNICODE _UNICODE WINVER=0x0500 _WIN32_WINNT=0x0500)

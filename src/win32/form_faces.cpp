@@ -15,7 +15,6 @@ using platform::ControlKind;
 using platform::Property;
 using platform::String;
 
-constexpr WORD firstId = 100;
 constexpr std::int32_t listRows = 8;   // of an open list
 constexpr std::int32_t rowHeight = 9;  // dialog units
 

@@ -15,8 +15,6 @@ using platform::Control;
 using platform::ControlKind;
 using platform::Form;
 
-constexpr WORD firstId = 100;
-
 // A dialog template without controls; the dialog manager needs one, and reads it as double words.
 struct alignas(4) EmptyTemplate {
   DLGTEMPLATE head{};

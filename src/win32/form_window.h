@@ -32,6 +32,8 @@ class FormWindow final : public platform::FormView, public platform::Counted {
   void unloaded() override;
 
  private:
+  static constexpr WORD firstId = 100;  // of the controls, in the order of the form
+
   struct Face {
     platform::Control* control;
     HWND window;  // null for what the dialog paints by itself

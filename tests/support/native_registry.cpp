@@ -8,7 +8,7 @@ namespace {
 
 char asciiUpperByte(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
 
-std::string quoted(const std::string& name) { return " \"" + name + "\""; }
+std::string inQuotes(const std::string& name) { return " \"" + name + "\""; }
 
 }  // namespace
 
@@ -44,7 +44,7 @@ std::int32_t NativeRegistry::createKey(platform::RootKey root, const std::string
 std::int32_t NativeRegistry::queryValue(platform::KeyHandle key, const std::string& name, std::uint32_t& type,
                                         std::byte* data, std::uint32_t& size) {
   const std::string call = data ? "query data" : "query size";
-  const std::string text = call + " " + nameOf(key) + quoted(name);
+  const std::string text = call + " " + nameOf(key) + inQuotes(name);
   if (const std::int32_t failure = failureOf(call)) return done(text, failure);
   const Values* const values = valuesOf(key);
   if (!values) return done(text, errorInvalidHandle);
@@ -63,7 +63,7 @@ std::int32_t NativeRegistry::queryValue(platform::KeyHandle key, const std::stri
 
 std::int32_t NativeRegistry::setValue(platform::KeyHandle key, const std::string& name, std::uint32_t type,
                                       std::span<const std::byte> data) {
-  const std::string text = "set " + nameOf(key) + quoted(name) + " type " + std::to_string(type) + ", " +
+  const std::string text = "set " + nameOf(key) + inQuotes(name) + " type " + std::to_string(type) + ", " +
                            std::to_string(data.size()) + " bytes";
   if (const std::int32_t failure = failureOf("set")) return done(text, failure);
   Values* const values = valuesOf(key);

@@ -23,7 +23,7 @@ std::string classOf(const std::type_info& type) {
   return colon == std::string::npos ? name : name.substr(colon + 2);
 }
 
-std::string quoted(platform::StringView text) {
+std::string quotedText(platform::StringView text) {
   std::string result = "\"";
   for (const char c : utf8(text)) {
     switch (c) {
@@ -82,7 +82,7 @@ std::string Labels::textOf(const platform::Variant& value) const {
     std::string operator()(std::int32_t n) const { return std::to_string(n); }
     std::string operator()(double d) const { return utf8(platform::CStr(d)); }
     std::string operator()(platform::Date d) const { return "#" + utf8(NativeLocale().dateText(d)) + "#"; }
-    std::string operator()(const platform::String& s) const { return quoted(s); }
+    std::string operator()(const platform::String& s) const { return quotedText(s); }
     std::string operator()(const platform::Object& o) const {
       return o ? "<" + labels.of(*o.automation()) + ">" : "Nothing";
     }

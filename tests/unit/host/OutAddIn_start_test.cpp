@@ -13,8 +13,6 @@ class StartUp : public HostFixture {
   }
 };
 
-const std::string noLocalizer = "Error:429, ActiveX component can't create object, mrktxtmsg";
-
 TEST_F(StartUp, InitHandler_TakesItsReferencesInOrder) {
   addIn->InitHandler(application->as<outlook::Application>(), u"x");
   EXPECT_EQ(application->calls(), (Lines{"connect", "GetNamespace(\"MAPI\")", "Explorers", "Inspectors",

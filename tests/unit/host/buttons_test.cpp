@@ -17,8 +17,6 @@ class Buttons : public HostFixture {
   void TearDown() override { addIn->UnInitHandler(); }
 };
 
-const std::string noLocalizer = "Error:429, ActiveX component can't create object, mrktxtmsg";
-
 TEST_F(Buttons, Installation_SetsEveryPropertyInOrder) {
   init();
   EXPECT_EQ(button("New Text Message").calls(),

@@ -31,6 +31,9 @@ using testing_support::ScriptedView;
 using Shown = testing_support::NativeUserInterface::Shown;
 using Lines = std::vector<std::string>;
 
+// What each reading of the localizer leaves behind when there is none.
+inline const std::string noLocalizer = "Error:429, ActiveX component can't create object, mrktxtmsg";
+
 class HostFixture : public testing::Test {
  protected:
   static constexpr const char* optionsKey = "Software\\Microsoft\\Office\\9.0\\Outlook\\Options\\TextMessage";

@@ -66,8 +66,9 @@ class MaildirTest : public testing::TestWithParam<char> {
   std::unique_ptr<Store> store_;
 };
 
-constexpr char here = flagSeparator;
-INSTANTIATE_TEST_SUITE_P(Separators, MaildirTest, here == ':' ? testing::Values(':', ';') : testing::Values(';', ';'),
+constexpr char usualSeparator = flagSeparator;
+INSTANTIATE_TEST_SUITE_P(Separators, MaildirTest,
+                         usualSeparator == ':' ? testing::Values(':', ';') : testing::Values(';', ';'),
                          [](const auto& p) {
                            return std::string(p.param == ':' ? "Colon" : "Semicolon") + std::to_string(p.index);
                          });

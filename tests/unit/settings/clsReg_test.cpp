@@ -11,7 +11,7 @@ namespace {
 using namespace testing_support;
 using Lines = std::vector<std::string>;
 
-constexpr const char* path = "Software\\Marrick\\TextMessageAddIn";
+constexpr const char* installationKey = "Software\\Marrick\\TextMessageAddIn";
 
 class RegTest : public testing::Test {
  protected:
@@ -40,43 +40,43 @@ class RegTest : public testing::Test {
 };
 
 TEST_F(RegTest, String_OfTheUser_ComesFirst) {
-  registry.setString(rootCurrentUser, path, "RESPATH", "user");
-  registry.setString(rootLocalMachine, path, "RESPATH", "machine");
+  registry.setString(rootCurrentUser, installationKey, "RESPATH", "user");
+  registry.setString(rootLocalMachine, installationKey, "RESPATH", "machine");
   EXPECT_EQ(text(u"RESPATH"), u"user");
   EXPECT_EQ(opened(), (Lines{"HKCU"}));
 }
 
 TEST_F(RegTest, String_MissingOrEmptyForTheUser_IsTheMachines) {
-  registry.setString(rootLocalMachine, path, "RESPATH", "machine");
+  registry.setString(rootLocalMachine, installationKey, "RESPATH", "machine");
   EXPECT_EQ(text(u"RESPATH"), u"machine");
   EXPECT_EQ(opened(), (Lines{"HKCU", "HKLM"}));
-  registry.setString(rootCurrentUser, path, "RESPATH", "");
+  registry.setString(rootCurrentUser, installationKey, "RESPATH", "");
   EXPECT_EQ(text(u"RESPATH"), u"machine");
 }
 
 TEST_F(RegTest, String_MissingOrEmptyEverywhere_IsTheDefault) {
   EXPECT_EQ(text(u"RESPATH"), u"default");
-  registry.setString(rootCurrentUser, path, "RESPATH", "");
-  registry.setString(rootLocalMachine, path, "RESPATH", "");
+  registry.setString(rootCurrentUser, installationKey, "RESPATH", "");
+  registry.setString(rootLocalMachine, installationKey, "RESPATH", "");
   EXPECT_EQ(text(u"RESPATH"), u"default");
   EXPECT_TRUE(native.trace().empty());
 }
 
 TEST_F(RegTest, String_OfANumber_IsItsText) {
-  registry.setDword(rootCurrentUser, path, "RESPATH", 0xFFFFFFFF);
+  registry.setDword(rootCurrentUser, installationKey, "RESPATH", 0xFFFFFFFF);
   EXPECT_EQ(text(u"RESPATH"), u"-1");
-  registry.setDword(rootCurrentUser, path, "RESPATH", 0);
+  registry.setDword(rootCurrentUser, installationKey, "RESPATH", 0);
   EXPECT_EQ(text(u"RESPATH"), u"0");  // a text, not empty
 }
 
 TEST_F(RegTest, String_OfAnotherType_IsPassedOver) {
-  registry.setBytes(rootCurrentUser, path, "RESPATH", regExpandSz, "%windir%");
-  registry.setString(rootLocalMachine, path, "RESPATH", "machine");
+  registry.setBytes(rootCurrentUser, installationKey, "RESPATH", regExpandSz, "%windir%");
+  registry.setString(rootLocalMachine, installationKey, "RESPATH", "machine");
   EXPECT_EQ(text(u"RESPATH"), u"machine");
 }
 
 TEST_F(RegTest, String_FailureOfTheFirstRead_IsTracedAndTheSecondIsTried) {
-  registry.setString(rootLocalMachine, path, "RESPATH", "machine");
+  registry.setString(rootLocalMachine, installationKey, "RESPATH", "machine");
   registry.afterCall = [](const std::string& line) {
     if (line.starts_with("open HKCU")) raiseError(7);
   };
@@ -85,8 +85,8 @@ TEST_F(RegTest, String_FailureOfTheFirstRead_IsTracedAndTheSecondIsTried) {
 }
 
 TEST_F(RegTest, String_FailureOfBothReads_IsTracedTwiceAndTheDefault) {
-  registry.setString(rootCurrentUser, path, "RESPATH", "user");
-  registry.setString(rootLocalMachine, path, "RESPATH", "machine");
+  registry.setString(rootCurrentUser, installationKey, "RESPATH", "user");
+  registry.setString(rootLocalMachine, installationKey, "RESPATH", "machine");
   registry.afterCall = [](const std::string& line) {
     if (line.starts_with("open ")) raiseError(7);
   };
@@ -96,17 +96,17 @@ TEST_F(RegTest, String_FailureOfBothReads_IsTracedTwiceAndTheDefault) {
 }
 
 TEST_F(RegTest, Dword_OfTheUser_ComesFirst) {
-  registry.setDword(rootCurrentUser, path, "LANGID", 1053);
-  registry.setDword(rootLocalMachine, path, "LANGID", 1031);
+  registry.setDword(rootCurrentUser, installationKey, "LANGID", 1053);
+  registry.setDword(rootLocalMachine, installationKey, "LANGID", 1031);
   EXPECT_EQ(number(u"LANGID"), 1053);
   EXPECT_EQ(opened(), (Lines{"HKCU"}));
 }
 
 TEST_F(RegTest, Dword_MissingOrEmptyForTheUser_IsTheMachines) {
-  registry.setDword(rootLocalMachine, path, "LANGID", 1031);
+  registry.setDword(rootLocalMachine, installationKey, "LANGID", 1031);
   EXPECT_EQ(number(u"LANGID"), 1031);
   EXPECT_EQ(opened(), (Lines{"HKCU", "HKLM"}));
-  registry.setString(rootCurrentUser, path, "LANGID", "");
+  registry.setString(rootCurrentUser, installationKey, "LANGID", "");
   EXPECT_EQ(number(u"LANGID"), 1031);
 }
 
@@ -116,28 +116,28 @@ TEST_F(RegTest, Dword_MissingEverywhere_IsTheDefault) {
 }
 
 TEST_F(RegTest, Dword_ZeroOfTheUser_IsAValue) {
-  registry.setDword(rootCurrentUser, path, "LANGID", 0);
-  registry.setDword(rootLocalMachine, path, "LANGID", 1031);
+  registry.setDword(rootCurrentUser, installationKey, "LANGID", 0);
+  registry.setDword(rootLocalMachine, installationKey, "LANGID", 1031);
   EXPECT_EQ(number(u"LANGID"), 0);
 }
 
 TEST_F(RegTest, Dword_TextOfDigits_IsTheSameNumber) {
-  registry.setString(rootCurrentUser, path, "LANGID", "1053");
+  registry.setString(rootCurrentUser, installationKey, "LANGID", "1053");
   EXPECT_EQ(number(u"LANGID"), 1053);
-  registry.setString(rootCurrentUser, path, "LANGID", " &H41D ");
+  registry.setString(rootCurrentUser, installationKey, "LANGID", " &H41D ");
   EXPECT_EQ(number(u"LANGID"), 1053);
 }
 
 TEST_F(RegTest, Dword_TextThatIsNoNumber_IsZeroAndTraced_NotTheDefault) {
-  registry.setString(rootCurrentUser, path, "LANGID", "Swedish");
-  registry.setDword(rootLocalMachine, path, "LANGID", 1031);
+  registry.setString(rootCurrentUser, installationKey, "LANGID", "Swedish");
+  registry.setDword(rootLocalMachine, installationKey, "LANGID", 1031);
   EXPECT_EQ(number(u"LANGID"), 0);
   EXPECT_EQ(native.windows.traceLines(), (std::vector<TraceLine>{{"", 2, "Error in GetRegDword"}}));
   EXPECT_EQ(opened(), (Lines{"HKCU"}));
 }
 
 TEST_F(RegTest, Dword_FailureOfTheReads_IsTracedAndTheDefault) {
-  registry.setDword(rootLocalMachine, path, "LANGID", 1031);
+  registry.setDword(rootLocalMachine, installationKey, "LANGID", 1031);
   registry.afterCall = [](const std::string& line) {
     if (line.starts_with("open HKCU")) raiseError(7);
   };
@@ -150,12 +150,12 @@ TEST_F(RegTest, Dword_FailureOfTheReads_IsTracedAndTheDefault) {
 }
 
 TEST_F(RegTest, Dword_BeyondSixteenBits_IsZeroAndTraced) {
-  registry.setDword(rootCurrentUser, path, "LANGID", 32768);
+  registry.setDword(rootCurrentUser, installationKey, "LANGID", 32768);
   EXPECT_EQ(number(u"LANGID"), 0);
-  registry.setDword(rootCurrentUser, path, "LANGID", 32767);
+  registry.setDword(rootCurrentUser, installationKey, "LANGID", 32767);
   EXPECT_EQ(number(u"LANGID"), 32767);
-  registry.deleteValue(rootCurrentUser, path, "LANGID");
-  registry.setDword(rootLocalMachine, path, "LANGID", 0xFFFF0000);
+  registry.deleteValue(rootCurrentUser, installationKey, "LANGID");
+  registry.setDword(rootLocalMachine, installationKey, "LANGID", 0xFFFF0000);
   EXPECT_EQ(number(u"LANGID"), 0);
   EXPECT_EQ(native.trace(), (Lines{"Error in GetRegDword", "Error in GetRegDword"}));
 }

@@ -62,7 +62,7 @@ class BuildFolderCollection : public Duplicates {};
 class FindInFolderCollection : public Duplicates {};
 class CompareStrings : public Duplicates {};
 
-const Lines found{"YES,SAME DATE", "YES,SAME RECIPIENT", "FOUND DUPLICATE!"};
+const Lines foundLines{"YES,SAME DATE", "YES,SAME RECIPIENT", "FOUND DUPLICATE!"};
 
 // FindTextMessage
 // ------------------------------------------------------------------------------------------------------
@@ -92,7 +92,7 @@ TEST_F(FindTextMessage, LaterSearch_UsesTheCache) {
   readFolders();
   const Recorder recorder;
   EXPECT_TRUE(findSameAsMine(u"Hello"));
-  EXPECT_EQ(trace(), searched(found, true));
+  EXPECT_EQ(trace(), searched(foundLines, true));
   EXPECT_EQ(recorder.lines(), Lines{});
 }
 

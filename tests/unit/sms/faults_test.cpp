@@ -135,7 +135,7 @@ TEST(Faults, EachCallOfAThirdFailure_LosesNoText) {
 
 // ---- receiving ------------------------------------------------------------------------------------------------------
 
-const std::vector<std::string> texts{"Alpha", "Beta", "Gamma"};
+const std::vector<std::string> phoneTexts{"Alpha", "Beta", "Gamma"};
 
 bool onPhone(const EngineWorld& world, const std::string& text) {
   for (const auto& [store, messages] : world.stored)
@@ -172,7 +172,7 @@ bool movesTheItem(const std::string& call) {
 
 TEST(Faults, EachCallOfAReceive_LosesNothingAndDoublesNothing) {
   const auto calls = failEachCallOf(fillPhone, receive, [&](EngineWorld& world, const std::string& failed) {
-    for (const auto& text : texts) EXPECT_TRUE(onPhone(world, text) || itemsWith(world, text) > 0) << text;
+    for (const auto& text : phoneTexts) EXPECT_TRUE(onPhone(world, text) || itemsWith(world, text) > 0) << text;
     EXPECT_LE(itemsWith(world, "Alpha"), 1);
     EXPECT_LE(itemsWith(world, "Beta"), 1);
     // A folder that cannot be read is an empty one, so that what was deleted comes in again.
