@@ -348,7 +348,7 @@ Console::Result Console::buttons(const Words&) {
 
 Console::Result Console::click(const Words& words) {
   const ControlPtr control = client_.explorerBars().find({.tag = words[1]});
-  return control && BarSet::click(control) ? "clicked" : "ignored";
+  return control && client_.explorerBars().click(control) ? "clicked" : "ignored";
 }
 
 Console::Result Console::explorer(const Words& words) {

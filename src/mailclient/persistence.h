@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <vector>
 
 #include "mailclient/folder.h"
@@ -40,6 +41,7 @@ struct StoreState {
   std::uint64_t nextId = 1;  // no EntryID at or above this number was ever given away
   std::vector<PublishedForm> forms;
   std::vector<SavedButton> buttons;
+  std::map<String, String> settings;  // of the mail client's own window, by name
 };
 
 struct LoadedFolder {
