@@ -8,7 +8,8 @@ namespace mailclient {
 namespace {
 
 constexpr std::array commands{
-    BuiltInCommand{menu::newItem, command::newMail, u"&Mail Message", u"Create a new mail message", face::newMail, false},
+    BuiltInCommand{menu::newItem, command::newMail, u"&Mail Message", u"Create a new mail message", face::newMail,
+                   false},
     BuiltInCommand{menu::newItem, command::newContact, u"&Contact", u"Create a new contact", face::newContact, false},
     BuiltInCommand{menu::newItem, command::newFolder, u"Fol&der...", u"Create a folder in the present one", 0, false},
     BuiltInCommand{menu::file, command::open, u"&Open Selected Items", u"Open the selected items", 0, true},
@@ -40,11 +41,11 @@ struct Keys {
   StringView text;
 };
 constexpr std::array keys{
-    Keys{command::newMail, u"Ctrl+N"},    Keys{command::newContact, u"Ctrl+Shift+C"},
+    Keys{command::newMail, u"Ctrl+N"},         Keys{command::newContact, u"Ctrl+Shift+C"},
     Keys{command::newFolder, u"Ctrl+Shift+E"}, Keys{command::open, u"Ctrl+O"},
-    Keys{command::remove, u"Ctrl+D"},     Keys{command::selectAll, u"Ctrl+A"},
-    Keys{command::markRead, u"Ctrl+Q"},   Keys{command::markUnread, u"Ctrl+U"},
-    Keys{command::reply, u"Ctrl+R"},      Keys{command::replyAll, u"Ctrl+Shift+R"},
+    Keys{command::remove, u"Ctrl+D"},          Keys{command::selectAll, u"Ctrl+A"},
+    Keys{command::markRead, u"Ctrl+Q"},        Keys{command::markUnread, u"Ctrl+U"},
+    Keys{command::reply, u"Ctrl+R"},           Keys{command::replyAll, u"Ctrl+Shift+R"},
     Keys{command::forward, u"Ctrl+F"},
 };
 

@@ -183,10 +183,10 @@ class Windows {
   void forget(const Any& window);
 
   MailClient& client_;
-  std::vector<ExplorerPtr> explorers_;                          // in the order of opening
-  std::vector<InspectorPtr> inspectors_;                        // in the order of opening
-  std::vector<Any> order_;                                      // the frontmost is the last
-  std::optional<Any> active_;                                   // the one with the user's attention, if it is one of ours
+  std::vector<ExplorerPtr> explorers_;    // in the order of opening
+  std::vector<InspectorPtr> inspectors_;  // in the order of opening
+  std::vector<Any> order_;                // the frontmost is the last
+  std::optional<Any> active_;             // the one with the user's attention, if it is one of ours
 };
 
 }  // namespace mailclient

@@ -41,15 +41,16 @@ void Canvas::blend(std::size_t pixel, Color color, int covered) {
     const double value = added + ((old >> shift) & 255u) * (1 - alpha);
     return static_cast<std::uint32_t>(value + 0.5) << shift;
   };
-  pixels_[pixel] = mix(24, alpha * 255) | mix(16, alpha * color.red) | mix(8, alpha * color.green) |
-                   mix(0, alpha * color.blue);
+  pixels_[pixel] =
+      mix(24, alpha * 255) | mix(16, alpha * color.red) | mix(8, alpha * color.green) | mix(0, alpha * color.blue);
 }
 
 void Canvas::polygon(const std::vector<Point>& corners, Color color) {
   if (corners.size() < 3) return;
   std::vector<Point> scaled(corners.size());
-  std::transform(corners.begin(), corners.end(), scaled.begin(),
-                 [&](Point p) { return Point{p.x * scale_, p.y * scale_}; });
+  std::transform(corners.begin(), corners.end(), scaled.begin(), [&](Point p) {
+    return Point{p.x * scale_, p.y * scale_};
+  });
   const auto [left, right] =
       std::minmax_element(scaled.begin(), scaled.end(), [](Point a, Point b) { return a.x < b.x; });
   const auto [top, bottom] =

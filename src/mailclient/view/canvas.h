@@ -1,5 +1,5 @@
-// A small painter for icons: filled shapes with smooth edges, at any size. Icons are drawn from shapes, so that they are
-// sharp at every resolution of the screen.
+// A small painter for icons: filled shapes with smooth edges, at any size. Icons are drawn from shapes, so that they
+// are sharp at every resolution of the screen.
 #pragma once
 
 #include <cstdint>

@@ -63,8 +63,8 @@ FolderKind folderKind(const Store& store, const Folder& folder) {
     FolderKind kind;
   };
   constexpr std::array known{
-      Known{DefaultFolder::Inbox, FolderKind::Inbox},          Known{DefaultFolder::Outbox, FolderKind::Outbox},
-      Known{DefaultFolder::SentItems, FolderKind::Sent},       Known{DefaultFolder::DeletedItems, FolderKind::Deleted},
+      Known{DefaultFolder::Inbox, FolderKind::Inbox},    Known{DefaultFolder::Outbox, FolderKind::Outbox},
+      Known{DefaultFolder::SentItems, FolderKind::Sent}, Known{DefaultFolder::DeletedItems, FolderKind::Deleted},
       Known{DefaultFolder::Drafts, FolderKind::Drafts},
   };
   for (const Known& k : known)

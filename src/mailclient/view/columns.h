@@ -13,8 +13,8 @@ enum class Column : std::uint8_t { From, To, Subject, Received, Sent, FullName, 
 struct ColumnInfo {
   Column column;
   StringView title;
-  std::int32_t width;      // at 96 dots per inch
-  bool newestFirst;        // sorts downwards at the first click
+  std::int32_t width;  // at 96 dots per inch
+  bool newestFirst;    // sorts downwards at the first click
 };
 
 // What a folder holds, as far as the window cares.

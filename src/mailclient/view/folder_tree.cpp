@@ -9,15 +9,14 @@
 namespace mailclient {
 namespace {
 
-constexpr std::array order{DefaultFolder::Inbox,        DefaultFolder::Drafts,   DefaultFolder::Outbox,
-                           DefaultFolder::SentItems,    DefaultFolder::DeletedItems, DefaultFolder::Contacts,
-                           DefaultFolder::Calendar,     DefaultFolder::Journal,  DefaultFolder::Notes,
+constexpr std::array order{DefaultFolder::Inbox,     DefaultFolder::Drafts,       DefaultFolder::Outbox,
+                           DefaultFolder::SentItems, DefaultFolder::DeletedItems, DefaultFolder::Contacts,
+                           DefaultFolder::Calendar,  DefaultFolder::Journal,      DefaultFolder::Notes,
                            DefaultFolder::Tasks};
 
 std::size_t rank(const Store& store, const Folder& folder) {
-  const auto* const at = std::find_if(order.begin(), order.end(), [&](DefaultFolder which) {
-    return store.defaultFolder(which).get() == &folder;
-  });
+  const auto* const at = std::find_if(order.begin(), order.end(),
+                                      [&](DefaultFolder which) { return store.defaultFolder(which).get() == &folder; });
   return static_cast<std::size_t>(at - order.begin());
 }
 

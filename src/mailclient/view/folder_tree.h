@@ -6,8 +6,8 @@
 
 namespace mailclient {
 
-// The folders below one: those of the mail client in its own order, then the others by name. Calendar, Journal, Notes and
-// Tasks, which this mail client has no views for, are left out while nothing lies in them.
+// The folders below one: those of the mail client in its own order, then the others by name. Calendar, Journal, Notes
+// and Tasks, which this mail client has no views for, are left out while nothing lies in them.
 std::vector<std::shared_ptr<Folder>> shownChildren(const Store& store, const Folder& folder);
 
 // "Inbox (2)"; in the Outbox and among the drafts every item counts.

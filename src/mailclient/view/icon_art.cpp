@@ -67,9 +67,15 @@ void arrow(Canvas& c, Point tip, double directionX, double directionY, double le
 }
 
 void answerArrow(Canvas& c, double x, double direction, Color color) {
-  c.polygon({{x, 7.5}, {x + 5 * direction, 2.5}, {x + 5 * direction, 5.6}, {x + 9 * direction, 6.4},
-             {x + 11 * direction, 9.4}, {x + 11.2 * direction, 13.4}, {x + 9 * direction, 10.4},
-             {x + 5 * direction, 9.4}, {x + 5 * direction, 12.5}},
+  c.polygon({{x, 7.5},
+             {x + 5 * direction, 2.5},
+             {x + 5 * direction, 5.6},
+             {x + 9 * direction, 6.4},
+             {x + 11 * direction, 9.4},
+             {x + 11.2 * direction, 13.4},
+             {x + 9 * direction, 10.4},
+             {x + 5 * direction, 9.4},
+             {x + 5 * direction, 12.5}},
             color);
 }
 
@@ -138,20 +144,52 @@ constexpr std::array pictures{
     Picture{Art::TextRead, [](Canvas& c) { bubble(c, true); }},
     Picture{Art::Contact, [](Canvas& c) { card(c); }},
     Picture{Art::Store, [](Canvas& c) { application(c); }},
-    Picture{Art::Inbox, [](Canvas& c) { tray(c); arrow(c, {8, 9}, 0, 1, 8, blue); }},
+    Picture{Art::Inbox,
+            [](Canvas& c) {
+              tray(c);
+              arrow(c, {8, 9}, 0, 1, 8, blue);
+            }},
     Picture{Art::Drafts, [](Canvas& c) { drafts(c); }},
-    Picture{Art::Outbox, [](Canvas& c) { tray(c); arrow(c, {8, 0.8}, 0, -1, 8, green); }},
-    Picture{Art::Sent, [](Canvas& c) { envelope(c, true, 2); arrow(c, {15.5, 12}, 1, 0, 9, green); }},
+    Picture{Art::Outbox,
+            [](Canvas& c) {
+              tray(c);
+              arrow(c, {8, 0.8}, 0, -1, 8, green);
+            }},
+    Picture{Art::Sent,
+            [](Canvas& c) {
+              envelope(c, true, 2);
+              arrow(c, {15.5, 12}, 1, 0, 9, green);
+            }},
     Picture{Art::Deleted, [](Canvas& c) { bin(c); }},
-    Picture{Art::Contacts, [](Canvas& c) { person(c, 5.2, 5.4, 0.85, paleBlue); person(c, 10, 5, 1, blue); }},
+    Picture{Art::Contacts,
+            [](Canvas& c) {
+              person(c, 5.2, 5.4, 0.85, paleBlue);
+              person(c, 10, 5, 1, blue);
+            }},
     Picture{Art::Folder, [](Canvas& c) { folder(c); }},
-    Picture{Art::NewMail, [](Canvas& c) { envelope(c, false, 4.5); newMark(c); }},
-    Picture{Art::NewContact, [](Canvas& c) { card(c); newMark(c); }},
+    Picture{Art::NewMail,
+            [](Canvas& c) {
+              envelope(c, false, 4.5);
+              newMark(c);
+            }},
+    Picture{Art::NewContact,
+            [](Canvas& c) {
+              card(c);
+              newMark(c);
+            }},
     Picture{Art::Reply, [](Canvas& c) { answerArrow(c, 2, 1, blue); }},
-    Picture{Art::ReplyAll, [](Canvas& c) { answerArrow(c, 0.5, 1, paleBlue); answerArrow(c, 4, 1, blue); }},
+    Picture{Art::ReplyAll,
+            [](Canvas& c) {
+              answerArrow(c, 0.5, 1, paleBlue);
+              answerArrow(c, 4, 1, blue);
+            }},
     Picture{Art::Forward, [](Canvas& c) { answerArrow(c, 14, -1, green); }},
     Picture{Art::Delete, [](Canvas& c) { cross(c); }},
-    Picture{Art::Send, [](Canvas& c) { envelope(c, false, 2); arrow(c, {15.5, 12}, 1, 0, 9, green); }},
+    Picture{Art::Send,
+            [](Canvas& c) {
+              envelope(c, false, 2);
+              arrow(c, {15.5, 12}, 1, 0, 9, green);
+            }},
     Picture{Art::Save, [](Canvas& c) { disk(c); }},
     Picture{Art::Application, [](Canvas& c) { application(c); }},
 };
@@ -166,8 +204,8 @@ Canvas draw(Art art, int size) {
 }
 
 Art artOf(FolderKind kind) {
-  constexpr std::array arts{Art::Inbox,    Art::Outbox,   Art::Sent,   Art::Deleted,
-                            Art::Drafts,   Art::Contacts, Art::Folder, Art::Folder};
+  constexpr std::array arts{Art::Inbox,  Art::Outbox,   Art::Sent,   Art::Deleted,
+                            Art::Drafts, Art::Contacts, Art::Folder, Art::Folder};
   return arts[static_cast<std::size_t>(kind)];  // in the order of the kinds
 }
 
@@ -183,9 +221,9 @@ Art artOfFace(std::int32_t faceId) {
     std::int32_t id;
     Art art;
   };
-  constexpr std::array faces{Face{face::newMail, Art::NewMail},   Face{face::newContact, Art::NewContact},
-                             Face{face::reply, Art::Reply},       Face{face::replyAll, Art::ReplyAll},
-                             Face{face::forward, Art::Forward},   Face{face::erase, Art::Delete}};
+  constexpr std::array faces{Face{face::newMail, Art::NewMail}, Face{face::newContact, Art::NewContact},
+                             Face{face::reply, Art::Reply},     Face{face::replyAll, Art::ReplyAll},
+                             Face{face::forward, Art::Forward}, Face{face::erase, Art::Delete}};
   for (const Face& f : faces)
     if (f.id == faceId) return f.art;
   return Art::None;

@@ -71,8 +71,8 @@ MessagePtr MessageList::neighbourOfSelection() const {
 }
 
 void MessageList::insert(const MessagePtr& message) {
-  const auto at = std::upper_bound(rows_.begin(), rows_.end(), message,
-                                   [&](const auto& a, const auto& b) { return before(a, b); });
+  const auto at =
+      std::upper_bound(rows_.begin(), rows_.end(), message, [&](const auto& a, const auto& b) { return before(a, b); });
   rows_.insert(at, message);
 }
 

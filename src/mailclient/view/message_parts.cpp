@@ -25,8 +25,8 @@ std::size_t placesInDefault(char16_t c) {
 std::vector<std::size_t> placesInUcs2(StringView text) {
   std::vector<std::size_t> places;
   for (std::size_t i = 0; i < text.size(); ++i) {
-    const bool pair = text[i] >= 0xD800 && text[i] < 0xDC00 && i + 1 < text.size() && text[i + 1] >= 0xDC00 &&
-                      text[i + 1] <= 0xDFFF;
+    const bool pair =
+        text[i] >= 0xD800 && text[i] < 0xDC00 && i + 1 < text.size() && text[i + 1] >= 0xDC00 && text[i + 1] <= 0xDFFF;
     places.push_back(pair ? 2 : 1);
     if (pair) ++i;
   }
@@ -68,9 +68,10 @@ PartCount countParts(StringView text) {
 
 String describe(const PartCount& count) {
   const auto number = [](std::size_t n) { return static_cast<std::int32_t>(n); };
-  return platform::concat(number(count.characters), StringView(count.characters == 1 ? u" character, " : u" characters, "),
-                          number(count.parts), StringView(count.parts == 1 ? u" message (" : u" messages ("),
-                          number(count.left), StringView(u" left)"));
+  return platform::concat(number(count.characters),
+                          StringView(count.characters == 1 ? u" character, " : u" characters, "), number(count.parts),
+                          StringView(count.parts == 1 ? u" message (" : u" messages ("), number(count.left),
+                          StringView(u" left)"));
 }
 
 }  // namespace mailclient

@@ -1,8 +1,8 @@
 // What the status bar says of the phone: whether there is one, and whether it is at work.
 //
 // The phone belongs to the add-in. All that can be seen from here is whether a phone is attached, the phone's answers,
-// what waits in the Outbox, and that a command of an add-in is still running. Times are milliseconds of a clock that may
-// begin again at 0.
+// what waits in the Outbox, and that a command of an add-in is still running. Times are milliseconds of a clock that
+// may begin again at 0.
 #pragma once
 
 #include <cstdint>

@@ -9,7 +9,18 @@ namespace mailclient::win {
 namespace {
 
 // MsoBalloonButtonType.
-enum Answer : std::int32_t { ok = -1, cancel = -2, yes = -3, no = -4, back = -5, next = -6, retry = -7, abort = -8, ignore = -9, close = -12 };
+enum Answer : std::int32_t {
+  ok = -1,
+  cancel = -2,
+  yes = -3,
+  no = -4,
+  back = -5,
+  next = -6,
+  retry = -7,
+  abort = -8,
+  ignore = -9,
+  close = -12
+};
 
 struct ButtonSet {
   std::int32_t set;  // MsoButtonSetType

@@ -85,7 +85,8 @@ class TextQuestion final : public Dialog {
   SIZE layout() override {
     const int margin = scaled(11);
     const int width = scaled(340);
-    place(makeControl(handle(), WC_STATICW, wide(question_), SS_LEFT), margin, margin, width - 2 * margin, lineHeight());
+    place(makeControl(handle(), WC_STATICW, wide(question_), SS_LEFT), margin, margin, width - 2 * margin,
+          lineHeight());
     edit_ = makeControl(handle(), WC_EDITW, L"", WS_TABSTOP | ES_AUTOHSCROLL, idEdit, WS_EX_CLIENTEDGE);
     const int top = margin + lineHeight() + scaled(5);
     place(edit_, margin, top, width - 2 * margin, fieldHeight());

@@ -22,8 +22,7 @@ ExplorerFrame::ExplorerFrame(Shell& shell, ExplorerPtr window)
       window_(std::move(window)),
       menus_(shell.client().explorerBars()),
       tree_(
-          shell.client().store(), [this](const auto& folder) { chooseFolder(folder); },
-          [this] { foldersChanged(); }),
+          shell.client().store(), [this](const auto& folder) { chooseFolder(folder); }, [this] { foldersChanged(); }),
       list_(shell, {.selectionChanged = [this] { selectionChanged(); },
                     .open = [this] { run(command::open); },
                     .remove = [this] { run(command::remove); }}),
@@ -104,7 +103,8 @@ void ExplorerFrame::layout() {
   if (paneVisible_) pane_.layout({left, listBottom + between, area.right, bottom});
 }
 
-// ---- folders and items ------------------------------------------------------------------------------------------------
+// ---- folders and items
+// ------------------------------------------------------------------------------------------------
 
 bool ExplorerFrame::chooseFolder(const std::shared_ptr<Folder>& folder) {
   if (folder->isGone() || !shell_.client().windows().showFolder(window_, folder)) {
@@ -199,7 +199,8 @@ void ExplorerFrame::newFolder() {
   });
 }
 
-// ---- commands -----------------------------------------------------------------------------------------------------------
+// ---- commands
+// -----------------------------------------------------------------------------------------------------------
 
 bool ExplorerFrame::run(std::int32_t id) {
   const auto chosen = selected();
@@ -290,7 +291,8 @@ void ExplorerFrame::onMenuSelect(WPARAM wide) {
   status_.setHint(closed || (flags & (MF_POPUP | MF_SEPARATOR)) ? String() : menus_.hint(LOWORD(wide)));
 }
 
-// ---- the mouse between the panes --------------------------------------------------------------------------------------
+// ---- the mouse between the panes
+// --------------------------------------------------------------------------------------
 
 int ExplorerFrame::splitterAt(POINT where) const {
   RECT tree{};
@@ -333,7 +335,8 @@ void ExplorerFrame::onSplitter(UINT message, LPARAM where) {
   }
 }
 
-// ---- messages -----------------------------------------------------------------------------------------------------------
+// ---- messages
+// -----------------------------------------------------------------------------------------------------------
 
 LRESULT ExplorerFrame::onActivate(bool active) {
   if (!active) focus_ = GetFocus();

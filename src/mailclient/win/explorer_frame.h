@@ -68,7 +68,7 @@ class ExplorerFrame final : public Window {
   int treeWidth_ = 0;     // pixels
   int listShare_ = 55;    // of the height, in per cent
   bool paneVisible_ = true;
-  int dragging_ = 0;      // the splitter that follows the mouse: 1 beside the tree, 2 below the list
+  int dragging_ = 0;  // the splitter that follows the mouse: 1 beside the tree, 2 below the list
   bool inMenu_ = false;
   bool staleMenus_ = false;
   bool staleTree_ = false;

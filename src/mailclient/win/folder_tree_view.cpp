@@ -51,7 +51,8 @@ void FolderTreeView::add(const std::shared_ptr<Folder>& folder, HTREEITEM parent
   what.item.pszText = reinterpret_cast<wchar_t*>(label.data());
   what.item.iImage = what.item.iSelectedImage = imageOf(art);
   what.item.lParam = reinterpret_cast<LPARAM>(folder.get());
-  const auto item = reinterpret_cast<HTREEITEM>(SendMessageW(tree_, TVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&what)));
+  const auto item =
+      reinterpret_cast<HTREEITEM>(SendMessageW(tree_, TVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&what)));
   nodes_.push_back({folder, item, std::make_unique<Watcher>(folder, *this)});
   for (const auto& below : shownChildren(store_, *folder)) add(below, item, artOf(folderKind(store_, *below)));
   const bool isCollapsed = (u"\n" + collapsed_).find(u"\n" + folderPath(*folder) + u"\n") != String::npos;

@@ -12,8 +12,7 @@ class FolderTreeView {
  public:
   // `chosen` hears which folder the user chose; `stale` that refresh() has something to do (from inside an operation on
   // the store, so it should only make a note).
-  FolderTreeView(Store& store, std::function<void(const std::shared_ptr<Folder>&)> chosen,
-                 std::function<void()> stale);
+  FolderTreeView(Store& store, std::function<void(const std::shared_ptr<Folder>&)> chosen, std::function<void()> stale);
   FolderTreeView(const FolderTreeView&) = delete;
   FolderTreeView& operator=(const FolderTreeView&) = delete;
   ~FolderTreeView();

@@ -42,9 +42,9 @@ void InspectorFrame::toFront() {
 }
 
 void InspectorFrame::createTools() {
-  toolbar_ = makeControl(handle(), TOOLBARCLASSNAMEW, L"",
-                         TBSTYLE_FLAT | TBSTYLE_LIST | TBSTYLE_TOOLTIPS | CCS_NODIVIDER | CCS_NOPARENTALIGN | CCS_NORESIZE,
-                         toolbarId);
+  toolbar_ = makeControl(
+      handle(), TOOLBARCLASSNAMEW, L"",
+      TBSTYLE_FLAT | TBSTYLE_LIST | TBSTYLE_TOOLTIPS | CCS_NODIVIDER | CCS_NOPARENTALIGN | CCS_NORESIZE, toolbarId);
   SendMessageW(toolbar_, TB_BUTTONSTRUCTSIZE, sizeof(TBBUTTON), 0);
   SendMessageW(toolbar_, TB_SETIMAGELIST, 0, reinterpret_cast<LPARAM>(Icons::instance().list()));
   for (const Tool& tool : tools()) {
@@ -96,7 +96,8 @@ void InspectorFrame::layout() {
     const int height = framed ? fieldHeight() : lineHeight() + scaled(2);
     const int inset = framed ? scaled(4) : 0;
     place(field.label, margin, top + inset, labelWidth + scaled(2), lineHeight());
-    place(field.control, margin + labelWidth + scaled(8), top, widthOf(area) - 2 * margin - labelWidth - scaled(8), height);
+    place(field.control, margin + labelWidth + scaled(8), top, widthOf(area) - 2 * margin - labelWidth - scaled(8),
+          height);
     top += height + scaled(framed ? 5 : 3);
   }
   layoutBelow({0, top + scaled(2), area.right, area.bottom});
@@ -125,8 +126,8 @@ bool InspectorFrame::onKey(WPARAM key, bool control) {
 
 bool InspectorFrame::mayClose() {
   if (message().gone || !isChanged()) return true;
-  const int answer = MessageBoxW(handle(), L"Do you want to save the changes?", wide(title()),
-                                 MB_YESNOCANCEL | MB_ICONQUESTION);
+  const int answer =
+      MessageBoxW(handle(), L"Do you want to save the changes?", wide(title()), MB_YESNOCANCEL | MB_ICONQUESTION);
   if (answer == IDYES) attempt(shell_, handle(), [&] { save(); });
   return answer == IDNO || (answer == IDYES && !isChanged());
 }

@@ -37,8 +37,8 @@ class InspectorFrame : public Window {
   virtual std::vector<Tool> tools() const = 0;
   virtual void createFields() = 0;
   virtual void layoutBelow(const RECT& area) = 0;
-  virtual bool run(int id) = 0;       // a tool; false for none of its own
-  virtual void changed(int, int) {}   // a control's notification
+  virtual bool run(int id) = 0;      // a tool; false for none of its own
+  virtual void changed(int, int) {}  // a control's notification
   virtual bool isChanged() const { return false; }
   virtual void save() {}
   virtual HWND firstFocus() const = 0;
@@ -69,7 +69,15 @@ class InspectorFrame : public Window {
   std::vector<Field> fields_;
 };
 
-enum CommonTool : int { toolClose = 1, toolDelete = 2, toolSend = 3, toolSave = 4, toolReply = 5, toolReplyAll = 6, toolForward = 7 };
+enum CommonTool : int {
+  toolClose = 1,
+  toolDelete = 2,
+  toolSend = 3,
+  toolSave = 4,
+  toolReply = 5,
+  toolReplyAll = 6,
+  toolForward = 7
+};
 
 // The form that an item opens in.
 std::unique_ptr<InspectorFrame> makeInspector(Shell& shell, const InspectorPtr& window);

@@ -7,7 +7,8 @@ namespace mailclient::win {
 constinit KeyRouter* KeyRouter::current = nullptr;
 
 KeyRouter::KeyRouter(Route route)
-    : route_(std::move(route)), hook_(SetWindowsHookExW(WH_GETMESSAGE, &KeyRouter::hook, nullptr, GetCurrentThreadId())) {
+    : route_(std::move(route)),
+      hook_(SetWindowsHookExW(WH_GETMESSAGE, &KeyRouter::hook, nullptr, GetCurrentThreadId())) {
   current = this;
 }
 

@@ -52,7 +52,8 @@ void FieldsForm::save() {
   retitle();
 }
 
-// ---- mail -----------------------------------------------------------------------------------------------------------------
+// ---- mail
+// -----------------------------------------------------------------------------------------------------------------
 
 String MailForm::title() const {
   const String& subject = message()[Text::Subject];
@@ -111,7 +112,8 @@ bool MailForm::run(int id) {
   }
 }
 
-// ---- contact ----------------------------------------------------------------------------------------------------------------
+// ---- contact
+// ----------------------------------------------------------------------------------------------------------------
 
 String ContactForm::title() const {
   const String& name = message()[Text::FullName];
@@ -154,7 +156,8 @@ std::unique_ptr<InspectorFrame> makeInspector(Shell& shell, const InspectorPtr& 
   constexpr std::int32_t contactKind = 40;  // olContact
   if (opensAsTextMessage(shell.client().store(), *window->message))
     return std::make_unique<TextMessageForm>(shell, window);
-  if (kindOf((*window->message)[Text::MessageClass]) == contactKind) return std::make_unique<ContactForm>(shell, window);
+  if (kindOf((*window->message)[Text::MessageClass]) == contactKind)
+    return std::make_unique<ContactForm>(shell, window);
   return std::make_unique<MailForm>(shell, window);
 }
 

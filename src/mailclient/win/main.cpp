@@ -19,7 +19,8 @@ namespace {
 constexpr const char* usage =
     "mailclient [--headless | --console] [--store FOLDER] [--no-explorer] [--no-assistant] [--without-menu ID]...\n"
     "\n"
-    "  --headless         no window: commands on standard input, one a line; the answers begin with the command's number\n"
+    "  --headless         no window: commands on standard input, one a line; the answers begin with the command's "
+    "number\n"
     "  --console          the window, and commands on standard input as well\n"
     "  --store FOLDER     keep folders and items in this Maildir tree; without it, in memory\n"
     "  --no-explorer      start without a window, as when another program starts the mail client\n"

@@ -96,8 +96,8 @@ void MessageListView::rememberColumns() {
   int length = std::swprintf(text, 100, L"%d %d", static_cast<int>(sorting.column), sorting.descending ? 1 : 0);
   for (std::size_t i = 0; i < columns_.size() && i < 4 && length > 0; ++i) {
     const auto pixels = static_cast<int>(SendMessageW(list_, LVM_GETCOLUMNWIDTH, i, 0));
-    length += std::swprintf(text + length, static_cast<std::size_t>(100 - length), L" %d",
-                            MulDiv(pixels, 96, scaled(96)));
+    length +=
+        std::swprintf(text + length, static_cast<std::size_t>(100 - length), L" %d", MulDiv(pixels, 96, scaled(96)));
   }
   shell_.putSetting(settingName(), String(view(text)));
 }

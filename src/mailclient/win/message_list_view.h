@@ -4,8 +4,8 @@
 #include <functional>
 
 #include "mailclient/view/message_list.h"
-#include "mailclient/win/shell.h"
 #include "mailclient/win/icons.h"
+#include "mailclient/win/shell.h"
 
 namespace mailclient::win {
 

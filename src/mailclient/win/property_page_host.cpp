@@ -48,8 +48,8 @@ class Frame final : public com::ComObject<IOleInPlaceFrame> {
 
  protected:
   void* find(REFIID iid) override {
-    const bool known = iid == IID_IUnknown || iid == IID_IOleWindow || iid == IID_IOleInPlaceUIWindow ||
-                       iid == IID_IOleInPlaceFrame;
+    const bool known =
+        iid == IID_IUnknown || iid == IID_IOleWindow || iid == IID_IOleInPlaceUIWindow || iid == IID_IOleInPlaceFrame;
     return known ? static_cast<IOleInPlaceFrame*>(this) : nullptr;
   }
 

@@ -31,8 +31,8 @@ void StatusBar::layout() {
   const int progress = scaled(120);
   const int phone = scaled(240);
   const int grip = GetSystemMetrics(SM_CXVSCROLL);
-  const int parts[] = {std::max(width - phone - progress - grip, scaled(40)), std::max(width - progress - grip, scaled(80)),
-                       -1};
+  const int parts[] = {std::max(width - phone - progress - grip, scaled(40)),
+                       std::max(width - progress - grip, scaled(80)), -1};
   SendMessageW(bar_, SB_SETPARTS, 3, reinterpret_cast<LPARAM>(parts));
   RECT r{};
   SendMessageW(bar_, SB_GETRECT, progressPart, reinterpret_cast<LPARAM>(&r));

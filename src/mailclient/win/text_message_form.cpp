@@ -58,7 +58,8 @@ void TextMessageForm::layoutBelow(const RECT& area) {
   place(count_, area.left + margin, countTop, widthOf(area) - 2 * margin, lineHeight());
 }
 
-// ---- the recipient ----------------------------------------------------------------------------------------------------
+// ---- the recipient
+// ----------------------------------------------------------------------------------------------------
 
 std::vector<AddressEntry> TextMessageForm::book() const {
   auto& client = const_cast<TextMessageForm*>(this)->shell().client();
@@ -127,7 +128,8 @@ void TextMessageForm::changed(int id, int what) {
   if (id == idMatches && what == LBN_KILLFOCUS) hideMatches();
 }
 
-// ---- text and item ------------------------------------------------------------------------------------------------------
+// ---- text and item
+// ------------------------------------------------------------------------------------------------------
 
 void TextMessageForm::showCount() {
   const PartCount count = countParts(textOf(body_));
@@ -153,8 +155,7 @@ void TextMessageForm::save() {
 void TextMessageForm::send() {
   const auto address = resolveRecipient(book(), textOf(to_));
   if (!address) {
-    MessageBoxW(handle(),
-                L"Please enter one recipient: a mobile phone number, or the name of a contact who has one.",
+    MessageBoxW(handle(), L"Please enter one recipient: a mobile phone number, or the name of a contact who has one.",
                 wide(title()), MB_OK | MB_ICONINFORMATION);
     SetFocus(to_);
     return;

@@ -87,9 +87,9 @@ void setText(HWND window, const String& text) {
 }
 
 HWND makeControl(HWND parent, const wchar_t* className, const wchar_t* text, DWORD style, int id, DWORD extra) {
-  const HWND control = CreateWindowExW(extra, className, text, WS_CHILD | WS_VISIBLE | style, 0, 0, 0, 0, parent,
-                                       reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), GetModuleHandleW(nullptr),
-                                       nullptr);
+  const HWND control =
+      CreateWindowExW(extra, className, text, WS_CHILD | WS_VISIBLE | style, 0, 0, 0, 0, parent,
+                      reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), GetModuleHandleW(nullptr), nullptr);
   SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(uiFont()), FALSE);
   return control;
 }
@@ -129,9 +129,9 @@ bool Window::create(const Look& look) {
     windows.lpszClassName = look.className;
     RegisterClassExW(&windows);
   }
-  const HWND made = CreateWindowExW(look.extraStyle, look.className, wide(look.title), look.style, look.place.left,
-                                    look.place.top, widthOf(look.place), heightOf(look.place), look.parent, nullptr,
-                                    GetModuleHandleW(nullptr), this);
+  const HWND made =
+      CreateWindowExW(look.extraStyle, look.className, wide(look.title), look.style, look.place.left, look.place.top,
+                      widthOf(look.place), heightOf(look.place), look.parent, nullptr, GetModuleHandleW(nullptr), this);
   return made != nullptr && handle_ == made;
 }
 
@@ -177,7 +177,8 @@ bool readPlace(StringView text, WindowPlace& found) {
   int width = 0;
   int height = 0;
   int maximized = 0;
-  if (std::swscanf(wide(String(text)), L"%ld %ld %d %d %d", &left, &top, &width, &height, &maximized) != 5) return false;
+  if (std::swscanf(wide(String(text)), L"%ld %ld %d %d %d", &left, &top, &width, &height, &maximized) != 5)
+    return false;
   const RECT r{left, top, left + width, top + height};
   if (width < 100 || height < 80 || !MonitorFromRect(&r, MONITOR_DEFAULTTONULL)) return false;
   found = {r, maximized != 0};

@@ -136,7 +136,8 @@ class WindowProgram::OutboxWatch final : public FolderObserver {
   std::shared_ptr<Folder> outbox_;
 };
 
-// ---- life ---------------------------------------------------------------------------------------------------------------
+// ---- life
+// ---------------------------------------------------------------------------------------------------------------
 
 int WindowProgram::run() {
   const INITCOMMONCONTROLSEX controls{sizeof(INITCOMMONCONTROLSEX),
@@ -149,9 +150,7 @@ int WindowProgram::run() {
   };
   client_->explorerBars().runBuiltIn = [this](std::int32_t id) { runBuiltIn(id); };
   client_->assistant().on = setting(u"assistant") != u"0";
-  client_->assistant().present = [this](const BalloonState& balloon) {
-    return showBalloon(activeHandle(), balloon);
-  };
+  client_->assistant().present = [this](const BalloonState& balloon) { return showBalloon(activeHandle(), balloon); };
   client_->store().foldersChanged = [this] {
     for (const auto& [window, frame] : explorers_) frame->foldersChanged();
   };
@@ -233,7 +232,8 @@ LRESULT WindowProgram::onMessage(UINT message, WPARAM wide, LPARAM extra) {
   }
 }
 
-// ---- phone --------------------------------------------------------------------------------------------------------------
+// ---- phone
+// --------------------------------------------------------------------------------------------------------------
 
 void WindowProgram::watchPhone() {
   if (ending_) return;
@@ -250,7 +250,8 @@ void WindowProgram::showPhone() {
     KillTimer(handle(), phoneTimer);
 }
 
-// ---- windows ------------------------------------------------------------------------------------------------------------
+// ---- windows
+// ------------------------------------------------------------------------------------------------------------
 
 void WindowProgram::opened(const ExplorerPtr& window) {
   auto frame = std::make_unique<ExplorerFrame>(*this, window);
@@ -347,7 +348,8 @@ bool WindowProgram::routeKey(HWND top, MSG& message) {
   return false;
 }
 
-// ---- commands -----------------------------------------------------------------------------------------------------------
+// ---- commands
+// -----------------------------------------------------------------------------------------------------------
 
 String WindowProgram::setting(StringView name) const {
   const auto at = settings_.find(String(name));
@@ -393,8 +395,7 @@ void WindowProgram::answer(const MessagePtr& original, Answer kind) {
 }
 
 void WindowProgram::newItem(Folder& folder, StringView messageClass) {
-  attempt(*this, activeHandle(),
-          [&] { client_->windows().openInspector(client_->createItem(folder, messageClass)); });
+  attempt(*this, activeHandle(), [&] { client_->windows().openInspector(client_->createItem(folder, messageClass)); });
 }
 
 void WindowProgram::tellError(void* owner, const RuntimeError& error) {
