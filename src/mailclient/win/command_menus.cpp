@@ -82,9 +82,9 @@ HMENU CommandMenus::makeMenu(const std::vector<MenuEntry>& entries, bool isBar) 
     }
     // Style 2 is "caption only".
     const bool withIcon = entry.control->faceId != 0 && entry.control->style != 2;
-    if (const HBITMAP icon = withIcon ? Icons::instance().menuBitmap(artOfFace(entry.control->faceId)) : nullptr) {
+    if (withIcon && artOfFace(entry.control->faceId) != Art::None) {
       item.fMask |= MIIM_BITMAP;
-      item.hbmpItem = icon;
+      item.hbmpItem = HBMMENU_CALLBACK;  // see drawIcon()
     }
     insertItem(menu, item);
   }
@@ -140,6 +140,22 @@ void CommandMenus::refreshStates() {
     EnableMenuItem(menu_, id, static_cast<UINT>(MF_BYCOMMAND | (entry.enabled ? MF_ENABLED : MF_GRAYED)));
     CheckMenuItem(menu_, id, static_cast<UINT>(MF_BYCOMMAND | (entry.checked ? MF_CHECKED : MF_UNCHECKED)));
   });
+}
+
+void CommandMenus::measureIcon(MEASUREITEMSTRUCT& wanted) {
+  wanted.itemWidth = static_cast<UINT>(scaled(20));
+  wanted.itemHeight = static_cast<UINT>(scaled(16));
+}
+
+// Not a bitmap of the menu's own: not every system blends those with what lies below.
+void CommandMenus::drawIcon(const DRAWITEMSTRUCT& where) const {
+  const ControlPtr control = controlOf(where.itemID);
+  if (!control) return;
+  const bool grey = (where.itemState & (ODS_GRAYED | ODS_DISABLED)) != 0;
+  const int size = scaled(16);
+  const int top = where.rcItem.top + (heightOf(where.rcItem) - size) / 2;
+  ImageList_DrawEx(Icons::instance().list(), imageOf(artOfFace(control->faceId)), where.hDC, where.rcItem.left, top,
+                   size, size, CLR_NONE, GetSysColor(COLOR_MENU), static_cast<UINT>(grey ? ILD_BLEND50 : ILD_NORMAL));
 }
 
 HACCEL commandKeys() {

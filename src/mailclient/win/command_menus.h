@@ -27,6 +27,10 @@ class CommandMenus {
   // What is written about the highlighted control; empty for none.
   String hint(UINT commandId) const;
 
+  // WM_MEASUREITEM and WM_DRAWITEM: the icons of menu items.
+  static void measureIcon(MEASUREITEMSTRUCT& wanted);
+  void drawIcon(const DRAWITEMSTRUCT& where) const;
+
  private:
   HMENU makeMenu(const std::vector<MenuEntry>& entries, bool isBar);
   void fillToolbar(const std::vector<MenuEntry>& entries);

@@ -403,6 +403,12 @@ LRESULT ExplorerFrame::onMessage(UINT message, WPARAM wide, LPARAM extra) {
     case WM_INITMENUPOPUP:
       menus_.refreshStates();
       return 0;
+    case WM_MEASUREITEM:
+      CommandMenus::measureIcon(*reinterpret_cast<MEASUREITEMSTRUCT*>(extra));
+      return TRUE;
+    case WM_DRAWITEM:
+      menus_.drawIcon(*reinterpret_cast<DRAWITEMSTRUCT*>(extra));
+      return TRUE;
     case WM_MENUSELECT:
       onMenuSelect(wide);
       return 0;
@@ -414,6 +420,11 @@ LRESULT ExplorerFrame::onMessage(UINT message, WPARAM wide, LPARAM extra) {
     case WM_CAPTURECHANGED:
       dragging_ = 0;
       return 0;
+    // Text to be read stands on paper, like the list.
+    case WM_CTLCOLORSTATIC:
+      if (reinterpret_cast<HWND>(extra) != pane_.text()) return byDefault(message, wide, extra);
+      SetBkColor(reinterpret_cast<HDC>(wide), GetSysColor(COLOR_WINDOW));
+      return reinterpret_cast<LRESULT>(GetSysColorBrush(COLOR_WINDOW));
     case WM_SETCURSOR:
       return onSetCursor() ? TRUE : byDefault(message, wide, extra);
     case WM_ACTIVATE:

@@ -35,13 +35,6 @@ Icons::Icons() {
   }
 }
 
-HBITMAP Icons::menuBitmap(Art art) {
-  if (art == Art::None) return nullptr;
-  HBITMAP& bitmap = menus_[static_cast<std::size_t>(art)];
-  if (!bitmap) bitmap = bitmapOf(draw(art, scaled(16)));
-  return bitmap;
-}
-
 HICON Icons::icon(Art art, int size) {
   ICONINFO info{};
   info.fIcon = TRUE;
