@@ -18,12 +18,14 @@ namespace fs = std::filesystem;
 
 constexpr char seen = 'S';
 constexpr std::string_view stateName = "mailclient.state";
+constexpr std::string_view cacheName = "mailclient.cache";
+constexpr std::size_t worthACache = 500;  // messages
 constexpr std::string_view markerName = "maildirfolder";
 constexpr std::string_view ourSuffix = ".mailclient";
 constexpr std::size_t secondDigits = 10;
 constexpr std::uint64_t largestId = std::uint64_t{1} << 62;  // above it an EntryID was damaged
 constexpr StringView inboxName = u"Inbox";
-constexpr std::uintmax_t largestFile = std::uintmax_t{64} << 20;  // what is larger is left alone
+constexpr std::streamoff largestFile = std::streamoff{64} << 20;  // what is larger is left alone
 
 // Failures of the file system in the mail client's own terms.
 template <class Action>
@@ -36,14 +38,14 @@ auto guarded(Action&& action) {
 }
 
 std::optional<std::string> readFile(const fs::path& path) {
-  std::error_code error;
-  const std::uintmax_t size = fs::file_size(path, error);
-  if (error || size > largestFile) return std::nullopt;
-  std::ifstream stream(path, std::ios::binary);
+  std::ifstream stream(path, std::ios::binary | std::ios::ate);
+  if (!stream) return std::nullopt;
+  const auto size = static_cast<std::streamoff>(stream.tellg());
+  if (size < 0 || size > largestFile) return std::nullopt;
   std::string content(static_cast<std::size_t>(size), '\0');
+  stream.seekg(0);
   stream.read(content.data(), static_cast<std::streamsize>(content.size()));
   content.resize(static_cast<std::size_t>(stream.gcount()));
-  if (!stream.is_open()) return std::nullopt;
   return content;
 }
 
@@ -126,6 +128,8 @@ LoadedStore Maildir::load() {
     if (isNew) loaded.state.storeId = randomStoreId();
     storeId_ = loaded.state.storeId;
 
+    cache_.read(root_ / cacheName);
+    cacheIsTrue_ = !cache_.isEmpty();
     std::vector<std::vector<String>> paths{{String(inboxName)}};
     for (const auto& entry : fs::directory_iterator(root_)) {
       const auto name = asciiName(entry.path());
@@ -152,6 +156,7 @@ LoadedStore Maildir::load() {
       loadMessages(folderPath(names), *folder);
     }
     loaded.state.nextId = std::max(loaded.state.nextId, highestId_ + 1);
+    cache_ = {};
     if (isNew) writeState(loaded.state);
     return loaded;
   });
@@ -169,6 +174,12 @@ void Maildir::loadMessages(const fs::path& folder, LoadedFolder& into) {
   }
   std::sort(files.begin(), files.end());
   for (const auto& [base, file] : files) {
+    if (const auto cached = cache_.find(cacheKey(folder, base))) {
+      noteArrival(base);
+      into.messages.push_back(loadMessage(file, *cached));
+      continue;
+    }
+    cacheIsTrue_ = false;
     const auto content = readFile(folder / file);
     if (!content) continue;
     noteArrival(base);
@@ -282,6 +293,7 @@ void Maildir::write(const Folder& folder, Message& message) {
     fs::path file = message.file.empty() ? fs::path() : locate(path, message);
     const std::string original =
         message.foreign && !file.empty() ? readFile(path / file).value_or(std::string()) : std::string();
+    if (!file.empty()) dropCache();
     if (file.empty())
       file = fs::path("cur") / joinName(withFlag({freshBase(message, path), {}}, seen, !message.unread), separator_);
     replaceFile(path, file, messageFile(message, original));
@@ -331,6 +343,40 @@ void Maildir::erase(const Folder& folder, const Message& message) {
 
 void Maildir::writeState(const StoreState& state) {
   guarded([&] { replaceFile(root_, fs::path(stateName), stateFile(state)); });
+}
+
+// ---- the cache ------------------------------------------------------------------------------------------------------
+
+std::string Maildir::cacheKey(const fs::path& folder, const std::string& base) const {
+  return (folder == root_ ? std::string(".") : asciiName(folder).value_or(std::string())) + "/" + base;
+}
+
+void Maildir::dropCache() {
+  cacheIsTrue_ = false;
+  std::error_code ignored;
+  fs::remove(root_ / cacheName, ignored);
+}
+
+// Files of other programs are read from their own place: only there they are exactly what they are.
+void Maildir::finish(const Folder& root) {
+  if (cacheIsTrue_) return;
+  std::string content;
+  std::size_t count = 0;
+  StoreCache::begin(content);
+  std::vector<const Folder*> waiting{&root};
+  while (!waiting.empty()) {
+    const Folder* const folder = waiting.back();
+    waiting.pop_back();
+    for (const auto& below : folder->children()) waiting.push_back(below.get());
+    for (const MessagePtr& message : folder->messages()) {
+      const auto name = asciiName(message->file);
+      if (message->foreign || message->changed || !name) continue;
+      StoreCache::append(content, cacheKey(folderPath(*folder), parseName(*name).base), messageFile(*message));
+      ++count;
+    }
+  }
+  dropCache();
+  if (count >= worthACache) guarded([&] { replaceFile(root_, fs::path(cacheName), content); });
 }
 
 }  // namespace mailclient

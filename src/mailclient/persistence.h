@@ -72,6 +72,8 @@ class Persistence {
   virtual void move(Message& message, const Folder& from, const Folder& to) = 0;
   virtual void erase(const Folder& folder, const Message& message) = 0;
   virtual void writeState(const StoreState& state) = 0;
+  // The mail client ends in good order; `root` is what the next load() will find.
+  virtual void finish(const Folder& /*root*/) {}
 };
 
 }  // namespace mailclient

@@ -278,4 +278,8 @@ void Store::saveSettings(std::map<String, String> settings) {
   state_ = std::move(next);
 }
 
+void Store::finish() {
+  if (persistence_) persistence_->finish(*root_);
+}
+
 }  // namespace mailclient

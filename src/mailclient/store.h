@@ -54,6 +54,8 @@ class Store {
   void publishForm(PublishedForm form);
   void saveButtons(std::vector<SavedButton> buttons);
   void saveSettings(std::map<String, String> settings);
+  // The mail client ends: what makes the next start quicker is stored.
+  void finish();
 
  private:
   String newEntryId();

@@ -37,9 +37,11 @@ String textSubject(StringView body) {
 
 String recipientOf(const Message& message) {
   if (!message.unsent && !message[Text::SenderName].empty()) return message[Text::SenderName];
+  if (!message[Text::To].empty()) return message[Text::To];
+  // Without an address the topic is only the subject.
   const String& topic = message[Text::ConversationTopic];
   const String address = topic.substr(0, topic.find(endOfAddress));
-  return address.empty() ? message[Text::To] : address;
+  return address.find(u'[') == String::npos ? String() : address;
 }
 
 void writeTextMessage(Message& message, StringView address, StringView body) {
