@@ -143,8 +143,8 @@ class MailClientProcess::Pipes {
   std::vector<std::string> lines_;
 };
 
-MailClientProcess::MailClientProcess(const std::wstring& arguments)
-    : pipes_(std::make_unique<Pipes>(L"\"" + productFolder() + L"\\mailclient.exe\" --headless " + arguments)) {
+MailClientProcess::MailClientProcess(const std::wstring& arguments, const std::wstring& mode)
+    : pipes_(std::make_unique<Pipes>(L"\"" + productFolder() + L"\\mailclient.exe\" " + mode + L" " + arguments)) {
   ready_ = answerTo(0, 60000).result == "ready";
 }
 
@@ -153,6 +153,7 @@ MailClientProcess::~MailClientProcess() = default;
 bool MailClientProcess::isRunning() const { return pipes_->isRunning(); }
 std::uint32_t MailClientProcess::processId() const { return pipes_->id(); }
 void MailClientProcess::kill() { pipes_->kill(); }
+bool MailClientProcess::waitForEnd(std::uint32_t milliseconds) { return pipes_->waitForEnd(milliseconds); }
 
 int MailClientProcess::send(std::string_view command) {
   pipes_->write(std::string(command) + "\n");

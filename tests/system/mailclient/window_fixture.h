@@ -1,0 +1,82 @@
+// A mail client with windows, driven by its command line and by its windows.
+#pragma once
+
+#include <algorithm>
+#include <filesystem>
+#include <memory>
+
+#include <gtest/gtest.h>
+
+#include "system/mailclient/screen.h"
+
+class WindowTest : public testing::Test {
+ protected:
+  using Answer = testing_support::Answer;
+  using MailClientProcess = testing_support::MailClientProcess;
+
+  void SetUp() override {
+    // No add-in is loaded unless a test says so.
+    HKEY key = nullptr;
+    if (RegOpenKeyExW(HKEY_CURRENT_USER, addInsKey, 0, KEY_WRITE, &key) == ERROR_SUCCESS) {
+      const DWORD off = 2;
+      RegSetValueExW(key, L"LoadBehavior", 0, REG_DWORD, reinterpret_cast<const BYTE*>(&off), sizeof off);
+      RegCloseKey(key);
+    }
+    start(L"");
+  }
+  void TearDown() override {
+    if (client_ && client_->isRunning()) client_->quit();
+    client_ = nullptr;
+    removeStore();
+  }
+
+  void start(const std::wstring& arguments) {
+    client_ = std::make_unique<MailClientProcess>(arguments, L"--console");
+    ASSERT_TRUE(client_->isReady());
+    explorer_ = screen::await(processId(), screen::explorerClass);
+    ASSERT_TRUE(explorer_);
+  }
+  void restartWithStore() {
+    client_->quit();
+    startWithStore();
+  }
+  void startWithStore() {
+    wchar_t temporary[MAX_PATH];
+    GetTempPathW(MAX_PATH, temporary);
+    store_ = std::wstring(temporary) + L"marrick window test " + std::to_wstring(GetCurrentProcessId());
+    start(L"--store \"" + store_ + L"\"");
+  }
+  void removeStore() {
+    if (store_.empty()) return;
+    std::error_code ignored;
+    std::filesystem::remove_all(store_, ignored);
+  }
+
+  DWORD processId() const { return client_->processId(); }
+  HWND list() const { return screen::child(explorer_, WC_LISTVIEWW); }
+  HWND tree() const { return screen::child(explorer_, WC_TREEVIEWW); }
+  HWND status() const { return screen::child(explorer_, STATUSCLASSNAMEW); }
+  int selectedCount() const { return static_cast<int>(SendMessageW(list(), LVM_GETSELECTEDCOUNT, 0, 0)); }
+  void selectFolder(const std::wstring& name) {
+    const auto labels = screen::treeLabels(tree());
+    const auto steps = std::find(labels.begin(), labels.end(), name) - labels.begin();
+    SetForegroundWindow(explorer_);
+    SendMessageW(tree(), WM_KEYDOWN, VK_HOME, 0);
+    for (std::ptrdiff_t i = 0; i < steps; ++i) SendMessageW(tree(), WM_KEYDOWN, VK_DOWN, 0);
+    ASSERT_TRUE(screen::waitUntil([&] { return screen::textOf(explorer_) == name + L" - Mail Client"; }));
+  }
+
+  Answer ask(const std::string& command) { return client_->ask(command); }
+  void item(const std::string& folder, const std::string& subject) {
+    ASSERT_TRUE(ask("item \"" + folder + "\" IPM.Note \"" + subject + "\" text").ok);
+  }
+  std::size_t count(const std::string& folder) { return ask("list \"" + folder + "\"").lines.size(); }
+  static std::string field(const std::string& line, const std::string& name) {
+    return MailClientProcess::field(line, name);
+  }
+
+  static constexpr const wchar_t* addInsKey = L"Software\\Microsoft\\Office\\Outlook\\Addins\\mrktxtmsg.connect";
+  std::unique_ptr<MailClientProcess> client_;
+  HWND explorer_ = nullptr;
+  std::wstring store_;
+};
