@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "mailclient/built_in_commands.h"
+#include "mailclient/console.h"
 
 namespace mailclient::win {
 namespace {
@@ -17,6 +18,23 @@ MENUITEMINFOW emptyItem() {
   MENUITEMINFOW item{};
   item.cbSize = sizeof item;
   return item;
+}
+
+void describeMenu(HMENU menu, std::vector<std::string>& lines) {
+  for (int i = 0; i < GetMenuItemCount(menu); ++i) {
+    wchar_t text[200] = L"";
+    MENUITEMINFOW item = emptyItem();
+    item.fMask = MIIM_STRING | MIIM_STATE | MIIM_ID | MIIM_SUBMENU | MIIM_BITMAP | MIIM_FTYPE;
+    item.dwTypeData = text;
+    item.cch = 200;
+    GetMenuItemInfoW(menu, static_cast<UINT>(i), TRUE, &item);
+    if (item.hSubMenu)
+      describeMenu(item.hSubMenu, lines);
+    else if ((item.fType & MFT_SEPARATOR) == 0)
+      lines.push_back("id=" + std::to_string(item.wID) + " text=" + Console::quoted(view(text)) +
+                      " enabled=" + ((item.fState & MFS_GRAYED) ? "0" : "1") +
+                      " checked=" + ((item.fState & MFS_CHECKED) ? "1" : "0") + " icon=" + (item.hbmpItem ? "1" : "0"));
+  }
 }
 
 void forEachEntry(const std::vector<MenuEntry>& entries, const std::function<void(const MenuEntry&)>& visit) {
@@ -49,6 +67,12 @@ UINT CommandMenus::idOf(const ControlPtr& control) {
     if (known == control) return id;
   controls_[nextId_] = control;
   return nextId_++;
+}
+
+std::vector<std::string> CommandMenus::describe() const {
+  std::vector<std::string> lines;
+  describeMenu(menu_, lines);
+  return lines;
 }
 
 ControlPtr CommandMenus::controlOf(UINT commandId) const {

@@ -22,6 +22,9 @@ class CommandMenus {
   // An open menu follows what was switched on and off meanwhile.
   void refreshStates();
 
+  // What the menus show, item by item; see ConsoleHost::menuItems().
+  std::vector<std::string> describe() const;
+
   // The control that a WM_COMMAND means; null when it is none of ours.
   ControlPtr controlOf(UINT commandId) const;
   // What is written about the highlighted control; empty for none.

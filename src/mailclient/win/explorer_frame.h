@@ -25,6 +25,7 @@ class ExplorerFrame final : public Window {
   bool isText(HWND control) const { return control == pane_.text(); }
   void rememberPlace();
 
+  std::vector<std::string> menuItems() const { return menus_.describe(); }
   const ExplorerPtr& window() const { return window_; }
   // A built-in command that works on this window; false for one that does not.
   bool run(std::int32_t id);

@@ -73,6 +73,10 @@ class WindowProgram final : public Window, public Shell, public WindowsHost, pub
     addIns_.disconnect(progId, removeMode);
   }
   void quit() override;
+  std::vector<std::string> menuItems() override {
+    const ExplorerFrame* const frame = activeFrame();
+    return frame ? frame->menuItems() : std::vector<std::string>();
+  }
 
  protected:
   LRESULT onMessage(UINT message, WPARAM wide, LPARAM extra) override;

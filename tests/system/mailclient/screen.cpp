@@ -54,21 +54,6 @@ class Remote {
 constexpr std::size_t textAt = 512;  // behind the structure of a message
 constexpr int longest = 300;
 
-MenuItem itemIn(HMENU menu, const std::wstring& caption) {
-  for (int i = 0; i < GetMenuItemCount(menu); ++i) {
-    wchar_t text[128] = L"";
-    GetMenuStringW(menu, static_cast<UINT>(i), text, 128, MF_BYPOSITION);
-    const std::wstring shown = text;
-    if (const HMENU below = GetSubMenu(menu, i)) {
-      if (const MenuItem found = itemIn(below, caption); found.id != 0) return found;
-    } else if (shown.substr(0, shown.find(L'\t')) == caption) {
-      const UINT state = GetMenuState(menu, static_cast<UINT>(i), MF_BYPOSITION);
-      return {GetMenuItemID(menu, i), (state & (MF_GRAYED | MF_DISABLED)) == 0, (state & MF_CHECKED) != 0};
-    }
-  }
-  return {};
-}
-
 void key(WORD code, DWORD flags, wchar_t character = 0) {
   INPUT input{};
   input.type = INPUT_KEYBOARD;
@@ -107,12 +92,6 @@ std::wstring textOf(HWND window) {
   const auto length = SendMessageW(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()));
   text.resize(static_cast<std::size_t>(length));
   return text;
-}
-
-MenuItem menuItem(HWND window, const std::wstring& caption) { return itemIn(GetMenu(window), caption); }
-
-void choose(HWND window, const std::wstring& caption) {
-  PostMessageW(window, WM_COMMAND, menuItem(window, caption).id, 0);
 }
 
 int rows(HWND list) { return static_cast<int>(SendMessageW(list, LVM_GETITEMCOUNT, 0, 0)); }

@@ -28,15 +28,6 @@ bool awaitGone(DWORD process, const std::wstring& className, const std::wstring&
 HWND child(HWND parent, const wchar_t* className, int position = 0);
 std::wstring textOf(HWND window);
 
-// The text of the menu item with this caption's command, through all popups; id 0 when there is none.
-struct MenuItem {
-  UINT id = 0;
-  bool enabled = false;
-  bool checked = false;
-};
-MenuItem menuItem(HWND window, const std::wstring& caption);
-void choose(HWND window, const std::wstring& caption);
-
 // Of list and tree views in another process.
 int rows(HWND list);
 std::wstring cell(HWND list, int row, int column);

@@ -57,13 +57,35 @@ class WindowTest : public testing::Test {
   HWND tree() const { return screen::child(explorer_, WC_TREEVIEWW); }
   HWND status() const { return screen::child(explorer_, STATUSCLASSNAMEW); }
   int selectedCount() const { return static_cast<int>(SendMessageW(list(), LVM_GETSELECTEDCOUNT, 0, 0)); }
-  void selectFolder(const std::wstring& name) {
+  void selectFolder(const std::wstring& label, const std::wstring& name) {
+    // Real keys, from the list back to the tree.
+    ASSERT_TRUE(screen::toFront(explorer_));
     const auto labels = screen::treeLabels(tree());
-    const auto steps = std::find(labels.begin(), labels.end(), name) - labels.begin();
-    SetForegroundWindow(explorer_);
-    SendMessageW(tree(), WM_KEYDOWN, VK_HOME, 0);
-    for (std::ptrdiff_t i = 0; i < steps; ++i) SendMessageW(tree(), WM_KEYDOWN, VK_DOWN, 0);
+    const auto steps = std::find(labels.begin(), labels.end(), label) - labels.begin();
+    screen::press(VK_TAB, false, true);
+    screen::press(VK_HOME);
+    for (std::ptrdiff_t i = 0; i < steps; ++i) screen::press(VK_DOWN);
     ASSERT_TRUE(screen::waitUntil([&] { return screen::textOf(explorer_) == name + L" - Mail Client"; }));
+  }
+
+  // An item of the menus, by its caption.
+  struct MenuItem {
+    int id = 0;
+    bool enabled = false;
+    bool checked = false;
+    bool icon = false;
+  };
+  MenuItem menuItem(const std::string& caption) {
+    for (const std::string& line : ask("menus").lines) {
+      const std::string text = field(line, "text");
+      if (text.substr(0, text.find("\\u0009")) != caption) continue;
+      return {std::stoi(field(line, "id")), field(line, "enabled") == "1", field(line, "checked") == "1",
+              field(line, "icon") == "1"};
+    }
+    return {};
+  }
+  void choose(const std::string& caption) {
+    PostMessageW(explorer_, WM_COMMAND, static_cast<WPARAM>(menuItem(caption).id), 0);
   }
 
   Answer ask(const std::string& command) { return client_->ask(command); }

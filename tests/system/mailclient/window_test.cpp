@@ -15,10 +15,9 @@ TEST_F(WindowTest, Start_ShowsTheInboxWithMenusFoldersAndItems) {
   EXPECT_EQ(textOf(explorer_), L"Inbox - Mail Client");
   EXPECT_TRUE(waitUntil([&] { return rows(list()) == 2; }));
   EXPECT_EQ(cell(list(), 0, 1), L"Hello");
-  for (const wchar_t* const caption : {L"&Mail Message", L"&Contact", L"E&xit", L"&Delete", L"&Options...", L"&Reply"})
-    EXPECT_NE(menuItem(explorer_, caption).id, 0u)
-        << std::string(caption, caption + std::char_traits<wchar_t>::length(caption));
-  EXPECT_FALSE(menuItem(explorer_, L"&Reply").enabled) << "nothing is selected";
+  for (const char* const caption : {"&Mail Message", "&Contact", "E&xit", "&Delete", "&Options...", "&Reply"})
+    EXPECT_NE(menuItem(caption).id, 0) << caption;
+  EXPECT_FALSE(menuItem("&Reply").enabled) << "nothing is selected";
   EXPECT_THAT(treeLabels(tree()), Contains(L"Contacts"));
 }
 
@@ -57,7 +56,7 @@ TEST_F(WindowTest, ClickOnAColumn_SortsByIt_AndAgainTheOtherWayRound) {
   const auto width = static_cast<int>(SendMessageW(list(), LVM_GETCOLUMNWIDTH, 0, 0));
   clickAt(header, width + 20, 8);
   EXPECT_TRUE(waitUntil([&] { return cell(list(), 0, 1) == L"a" && cell(list(), 2, 1) == L"c"; }));
-  clickAt(header, width + 20, 8);
+  clickAt(header, width + 90, 8);  // elsewhere: two clicks on one point are a double click
   EXPECT_TRUE(waitUntil([&] { return cell(list(), 0, 1) == L"c" && cell(list(), 2, 1) == L"a"; }));
 }
 
@@ -66,8 +65,8 @@ TEST_F(WindowTest, MarkedAsUnread_TheFolderCounts_AndTheCommandsFollowTheSelecti
   ASSERT_TRUE(waitUntil([&] { return rows(list()) == 1; }));
   ASSERT_TRUE(toFront(explorer_));
   press(VK_HOME);
-  ASSERT_TRUE(waitUntil([&] { return menuItem(explorer_, L"Mark as U&nread").enabled; }));
-  EXPECT_TRUE(menuItem(explorer_, L"&Reply").enabled);
+  ASSERT_TRUE(waitUntil([&] { return menuItem("Mark as U&nread").enabled; }));
+  EXPECT_TRUE(menuItem("&Reply").enabled);
   press('U', true);
   EXPECT_TRUE(waitUntil([&] { return treeLabels(tree()).at(1) == L"Inbox (1)"; }));
   press('Q', true);
@@ -81,10 +80,10 @@ TEST_F(WindowTest, ReadingPane_ShowsTheSelectedItem_AndCanBeSwitchedOff) {
   press(VK_HOME);
   const HWND pane = child(explorer_, WC_EDITW);
   EXPECT_TRUE(waitUntil([&] { return textOf(pane) == L"first\r\nsecond"; }));
-  EXPECT_TRUE(menuItem(explorer_, L"&Reading Pane").checked);
-  choose(explorer_, L"&Reading Pane");
+  EXPECT_TRUE(menuItem("&Reading Pane").checked);
+  choose("&Reading Pane");
   EXPECT_TRUE(waitUntil([&] { return !IsWindowVisible(pane); }));
-  EXPECT_TRUE(waitUntil([&] { return !menuItem(explorer_, L"&Reading Pane").checked; }));
+  EXPECT_TRUE(waitUntil([&] { return !menuItem("&Reading Pane").checked; }));
 }
 
 TEST_F(WindowTest, NewContact_TypedAndSaved_IsInTheContacts) {
@@ -126,7 +125,7 @@ TEST_F(WindowTest, ChangedItem_ClosedByEscape_AsksAndStaysOnCancel) {
 }
 
 TEST_F(WindowTest, NewFolder_AppearsInTheTree) {
-  choose(explorer_, L"Fol&der...");
+  choose("Fol&der...");
   const HWND dialog = await(processId(), L"#32770", L"New Folder");
   ASSERT_TRUE(dialog && toFront(dialog));
   type(L"Holiday");
@@ -139,7 +138,7 @@ TEST_F(WindowTest, NewFolder_AppearsInTheTree) {
 }
 
 TEST_F(WindowTest, Options_WithoutAnAddIn_HaveTheirOwnPageAlone) {
-  choose(explorer_, L"&Options...");
+  choose("&Options...");
   const HWND dialog = await(processId(), L"#32770", L"Options");
   ASSERT_TRUE(dialog);
   EXPECT_FALSE(IsWindowEnabled(explorer_)) << "it is modal";
@@ -169,7 +168,7 @@ TEST_F(WindowTest, Restart_BringsBackPlaceFolderAndSorting) {
   item("Drafts", "b");
   item("Drafts", "a");
   ASSERT_TRUE(toFront(explorer_));
-  selectFolder(L"Drafts");
+  selectFolder(L"Drafts [2]", L"Drafts");
   ASSERT_TRUE(waitUntil([&] { return rows(list()) == 2; }));
   const auto width = static_cast<int>(SendMessageW(list(), LVM_GETCOLUMNWIDTH, 0, 0));
   clickAt(child(list(), WC_HEADERW), width + 20, 8);
