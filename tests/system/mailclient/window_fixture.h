@@ -60,8 +60,13 @@ class WindowTest : public testing::Test {
   void selectFolder(const std::wstring& label, const std::wstring& name) {
     // Real keys, from the list back to the tree.
     ASSERT_TRUE(screen::toFront(explorer_));
-    const auto labels = screen::treeLabels(tree());
-    const auto steps = std::find(labels.begin(), labels.end(), label) - labels.begin();
+    std::ptrdiff_t steps = 0;
+    ASSERT_TRUE(screen::waitUntil([&] {
+      const auto labels = screen::treeLabels(tree());
+      const auto at = std::find(labels.begin(), labels.end(), label);
+      steps = at - labels.begin();
+      return at != labels.end();
+    })) << "the counts are brought up to date a moment later";
     screen::press(VK_TAB, false, true);
     screen::press(VK_HOME);
     for (std::ptrdiff_t i = 0; i < steps; ++i) screen::press(VK_DOWN);
