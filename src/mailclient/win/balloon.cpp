@@ -9,7 +9,7 @@ namespace mailclient::win {
 namespace {
 
 // MsoBalloonButtonType.
-enum Answer : std::int32_t {
+enum BalloonAnswer : std::int32_t {
   ok = -1,
   cancel = -2,
   yes = -3,
