@@ -302,6 +302,8 @@ void Maildir::write(const Folder& folder, Message& message) {
         message.foreign && !file.empty() ? readFile(path / file).value_or(std::string()) : std::string();
     if (file.empty())
       file = fs::path("cur") / joinName(withFlag({freshBase(message, path), {}}, seen, !message.unread), separator_);
+    // Where times are coarse, the new file can have the old one's stamp.
+    if (!message.file.empty()) dropCache();
     cacheIsTrue_ = false;
     message.stamp = replaceFile(path, file, messageFile(message, original));
     message.file = file;
@@ -358,6 +360,12 @@ void Maildir::writeState(const StoreState& state) {
 
 std::string Maildir::cacheKey(const fs::path& folder, const std::string& base) const {
   return (folder == root_ ? std::string(".") : asciiName(folder).value_or(std::string())) + "/" + base;
+}
+
+void Maildir::dropCache() {
+  cacheIsTrue_ = false;
+  std::error_code ignored;
+  fs::remove(root_ / cacheName, ignored);
 }
 
 // Files of other programs are read from their own place: only there they are exactly what they are.

@@ -55,6 +55,7 @@ class Maildir final : public Persistence {
   void noteArrival(const std::string& base);
   // The name of a message's file in the cache.
   std::string cacheKey(const std::filesystem::path& folder, const std::string& base) const;
+  void dropCache();
 
   std::filesystem::path root_;
   std::shared_ptr<Environment> environment_;

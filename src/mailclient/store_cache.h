@@ -1,8 +1,9 @@
 // A copy of many message files in one, because opening thousands of files takes longer than reading them.
 //
-// It is written when the mail client ends in good order. A copy holds as long as its file's size and time are those
-// it was made from; a file that is not in it, or is another one by now, is read from its own place. Losing it costs
-// time and nothing else, so one that is damaged in any way counts as lost.
+// It is written when the mail client ends in good order, and removed before a file of it is written anew. A copy
+// holds as long as its file's size and time are those it was made from; a file that is not in it, or is another one
+// by now, is read from its own place. Losing it costs time and nothing else, so one that is damaged in any way counts
+// as lost.
 //
 //   mailclient-cache 2 <fingerprint of the rest, 16 hexadecimal digits>
 //   <bytes of content> <file's size> <file's time> <folder's directory>/<file's name without flags>

@@ -221,7 +221,7 @@ TEST_F(CachedStoreTest, OwnChanges_AreThereAfterAnyEnd) {
   restart();
   (*message(7))[Text::Body] = u"replaced";
   store_->save(message(7));
-  open();  // as after a crash: the cache is the old one
+  open();  // as after a crash
   EXPECT_EQ(body(7), u"replaced");
   restart();
   EXPECT_EQ(body(7), u"replaced");
