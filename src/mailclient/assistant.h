@@ -1,9 +1,10 @@
-// The Office Assistant and its balloons. Nothing is drawn: what would be shown is kept for whoever asks.
+// The Office Assistant and its balloons. What was shown is kept for whoever asks; a host with a screen shows it.
 //
 // While the Assistant is off, every call is ignored without an error; only On itself can be set.
 #pragma once
 
 #include <array>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -41,6 +42,8 @@ struct AssistantState {
   std::int32_t animation = 1;       // MsoAnimationType: idle
   std::vector<BalloonState> shown;  // every balloon that was shown, oldest first
   std::int32_t balloonAnswer = -1;  // what the user clicks, a MsoBalloonButtonType: OK
+  // Shows a balloon and waits for the click, whose MsoBalloonButtonType it returns; empty where there is no screen.
+  std::function<std::int32_t(const BalloonState&)> present;
   View<Assistant> view;
 };
 

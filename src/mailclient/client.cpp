@@ -46,6 +46,7 @@ void MailClient::quit() {
   windows_.closeAll();
   application().get()->fire(ApplicationEvents::Quit);
   saveSettings();
+  store_.finish();
 }
 
 }  // namespace mailclient

@@ -136,6 +136,7 @@ Ref<CommandBarControl> CommandBarControls::add(const Variant& type, const Varian
   const String text = isGiven(parameter) ? platform::CStr(parameter) : String();
   const ControlPtr control = BarSet::addButton(*bar_, position, isGiven(temporary) && platform::CBool(temporary));
   control->parameter = text;
+  client().explorerBars().changed();
   return controlObject(clientPtr(), control);
 }
 
@@ -215,14 +216,17 @@ Control& CommandBarControl::living() const {
   return *control_;
 }
 
+void CommandBarControl::tellChanged() const { client().explorerBars().changed(); }
+
 void CommandBarControl::remove(std::optional<bool> /*temporary*/) {
   if (living().builtIn) fail(failure::unspecified, u"A built-in menu cannot be deleted.");
   BarSet::remove(control_);
+  tellChanged();
 }
 
 void CommandBarControl::execute() {
   living();
-  BarSet::click(control_);
+  client().explorerBars().click(control_);
 }
 
 std::int32_t CommandBarControl::index() {

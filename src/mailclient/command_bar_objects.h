@@ -79,6 +79,7 @@ class CommandBarControl final : public ModelObject {
   template <auto Field, class Value>
   void write(const Value& value) {
     living().*Field = value;
+    tellChanged();
   }
   bool builtIn() { return living().builtIn; }
   void remove(std::optional<bool> temporary);
@@ -92,6 +93,7 @@ class CommandBarControl final : public ModelObject {
 
  private:
   Control& living() const;
+  void tellChanged() const;
 
   ControlPtr control_;
 };

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "addin/platform/office.h"
+#include "mailclient/built_in_commands.h"
 #include "mailclient/command_bar_objects.h"
 
 namespace mailclient {
@@ -70,7 +71,24 @@ BarSet::BarSet(const std::vector<std::int32_t>& leftOut, const std::vector<Saved
     const ControlPtr control = popup(*bars_.front(), what);
     if (what.id == menu::file && isThere(menu::newItem)) popup(*control->popup, {menu::newItem, u"Ne&w"});
   }
+  for (const BuiltInCommand& what : builtInCommands()) addBuiltIn(what);
   for (const SavedButton& button : saved) restore(button);
+}
+
+void BarSet::addBuiltIn(const BuiltInCommand& what) {
+  Bar* home = bars_.back().get();
+  if (what.menu != 0) {
+    const ControlPtr owner = find(*bars_.front(), {.id = what.menu}, true);
+    if (!owner) return;
+    home = owner->popup.get();
+  }
+  const ControlPtr control = addButton(*home, std::nullopt, false);
+  control->builtIn = true;
+  control->id = what.id;
+  control->caption = what.caption;
+  control->tooltip = what.tooltip;
+  control->faceId = what.faceId;
+  control->beginGroup = what.beginGroup;
 }
 
 void BarSet::restore(const SavedButton& saved) {
@@ -95,6 +113,14 @@ void BarSet::restore(const SavedButton& saved) {
   control->beginGroup = saved.beginGroup;
   control->enabled = saved.enabled;
   control->visible = saved.visible;
+}
+
+std::vector<ControlPtr> BarSet::controlsOf(std::int32_t id) const {
+  std::vector<ControlPtr> found;
+  forEach([&](const ControlPtr& control) {
+    if (control->builtIn && control->id == id) found.push_back(control);
+  });
+  return found;
 }
 
 std::vector<SavedButton> BarSet::permanentButtons() const {
@@ -147,6 +173,10 @@ void BarSet::remove(const ControlPtr& given) {
 
 bool BarSet::click(const ControlPtr& control) {
   if (control->deleted || !control->enabled || !control->visible) return false;
+  if (control->builtIn) {
+    if (runBuiltIn) runBuiltIn(control->id);
+    return true;
+  }
   const Ref<CommandBarControl> button(control->view.live());
   if (!button) return true;
   bool cancelDefault = false;

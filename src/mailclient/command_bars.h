@@ -12,6 +12,7 @@
 
 namespace mailclient {
 
+struct BuiltInCommand;
 class CommandBar;
 class CommandBarControl;
 class CommandBars;
@@ -93,7 +94,13 @@ class BarSet {
   static void remove(const ControlPtr& control);
 
   // What a click of the user does: the Click event, when the button is there, enabled and visible. False otherwise.
-  static bool click(const ControlPtr& control);
+  bool click(const ControlPtr& control);
+  // Hears that a control was added, removed or looks different.
+  std::function<void()> changed = [] {};
+  // What a built-in command does; nothing where there is no window.
+  std::function<void(std::int32_t id)> runBuiltIn;
+  // The built-in controls of a command, in the menus and on the toolbar.
+  std::vector<ControlPtr> controlsOf(std::int32_t id) const;
 
   std::vector<SavedButton> permanentButtons() const;
   // Calls `visit` for every control, depth first.
@@ -102,6 +109,7 @@ class BarSet {
   View<CommandBars> view;
 
  private:
+  void addBuiltIn(const BuiltInCommand& what);
   void restore(const SavedButton& saved);
 
   std::vector<BarPtr> bars_;

@@ -147,6 +147,7 @@ const Console::Command* Console::find(StringView name) {
       {u"forward", 1, 1, &Console::reply},
       {u"buttons", 0, 0, &Console::buttons},
       {u"click", 1, 1, &Console::click},
+      {u"menus", 0, 0, &Console::menus},
       {u"explorer", 1, 2, &Console::explorer},
       {u"inspector", 1, 2, &Console::inspector},
       {u"options", 0, 0, &Console::options},
@@ -348,7 +349,12 @@ Console::Result Console::buttons(const Words&) {
 
 Console::Result Console::click(const Words& words) {
   const ControlPtr control = client_.explorerBars().find({.tag = words[1]});
-  return control && BarSet::click(control) ? "clicked" : "ignored";
+  return control && client_.explorerBars().click(control) ? "clicked" : "ignored";
+}
+
+Console::Result Console::menus(const Words&) {
+  for (const std::string& item : host_.menuItems()) tell(item);
+  return {};
 }
 
 Console::Result Console::explorer(const Words& words) {

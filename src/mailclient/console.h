@@ -27,6 +27,8 @@ class ConsoleHost {
   virtual void connectAddIn(const String& progId) = 0;
   virtual void disconnectAddIn(const String& progId, std::int32_t removeMode) = 0;
   virtual void quit() = 0;
+  // The items of the front window's menus as they are shown: id=N text="..." enabled=0|1 checked=0|1 icon=0|1.
+  virtual std::vector<std::string> menuItems() { return {}; }
 
  protected:
   ~ConsoleHost() = default;
@@ -64,6 +66,7 @@ class Console {
   Result reply(const Words& words);
   Result buttons(const Words& words);
   Result click(const Words& words);
+  Result menus(const Words& words);
   Result explorer(const Words& words);
   Result inspector(const Words& words);
   Result options(const Words& words);

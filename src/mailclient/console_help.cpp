@@ -16,6 +16,7 @@ select [ENTRYID...]               in the active explorer
 reply|replyall|forward ENTRYID    ok BILLING-INFORMATION of the new item, which is not saved
 buttons                           the buttons that programs added: menu, tag, caption, tooltip, enabled
 click TAG                         a button. ok clicked, or ok ignored when it is disabled or not there
+menus                             the items of the front window's menus, where there is a window
 explorer open [FOLDER] | close    a window for a folder | the active one
 inspector open ENTRYID | close
 options                           opens the Options dialog: the pages that add-ins put in

@@ -11,6 +11,7 @@
 #include "mailclient/maildir_names.h"
 #include "mailclient/message_file.h"
 #include "mailclient/state_file.h"
+#include "mailclient/text_coding.h"
 
 namespace mailclient {
 namespace {
@@ -19,12 +20,13 @@ namespace fs = std::filesystem;
 
 constexpr char seen = 'S';
 constexpr std::string_view stateName = "mailclient.state";
+constexpr std::string_view cacheName = "mailclient.cache";
 constexpr std::string_view markerName = "maildirfolder";
 constexpr std::string_view ourSuffix = ".mailclient";
 constexpr std::size_t secondDigits = 10;
 constexpr std::uint64_t largestId = std::uint64_t{1} << 62;  // above it an EntryID was damaged
 constexpr StringView inboxName = u"Inbox";
-constexpr std::uintmax_t largestFile = std::uintmax_t{64} << 20;  // what is larger is left alone
+constexpr std::streamoff largestFile = std::streamoff{64} << 20;  // what is larger is left alone
 
 // Failures of the file system in the mail client's own terms.
 template <class Action>
@@ -37,14 +39,14 @@ auto guarded(Action&& action) {
 }
 
 std::optional<std::string> readFile(const fs::path& path) {
-  std::error_code error;
-  const std::uintmax_t size = fs::file_size(path, error);
-  if (error || size > largestFile) return std::nullopt;
-  std::ifstream stream(path, std::ios::binary);
+  std::ifstream stream(path, std::ios::binary | std::ios::ate);
+  if (!stream) return std::nullopt;
+  const auto size = static_cast<std::streamoff>(stream.tellg());
+  if (size < 0 || size > largestFile) return std::nullopt;
   std::string content(static_cast<std::size_t>(size), '\0');
+  stream.seekg(0);
   stream.read(content.data(), static_cast<std::streamsize>(content.size()));
   content.resize(static_cast<std::size_t>(stream.gcount()));
-  if (!stream.is_open()) return std::nullopt;
   return content;
 }
 
@@ -76,8 +78,7 @@ String randomStoreId() {
 // The identifier of a message that nobody has saved yet follows from its file's name, so that it is the same in each
 // run.
 String derivedEntryId(const String& storeId, const std::string& base) {
-  std::uint64_t hash = 14695981039346656037u;  // FNV-1a
-  for (const char c : base) hash = (hash ^ static_cast<unsigned char>(c)) * 1099511628211u;
+  const std::uint64_t hash = fingerprint(base);
   String id = u"0000000F" + storeId;
   for (int shift = 60; shift >= 0; shift -= 4) id += u"0123456789ABCDEF"[hash >> shift & 15];
   return id;
@@ -109,8 +110,8 @@ fs::path locate(const fs::path& folder, const Message& message) {
 
 }  // namespace
 
-Maildir::Maildir(fs::path root, std::shared_ptr<Environment> environment, char separator)
-    : root_(std::move(root)), environment_(std::move(environment)), separator_(separator) {}
+Maildir::Maildir(fs::path root, std::shared_ptr<Environment> environment, char separator, std::size_t worthACache)
+    : root_(std::move(root)), environment_(std::move(environment)), separator_(separator), worthACache_(worthACache) {}
 
 fs::path Maildir::folderPath(const std::vector<String>& names) const {
   if (names.size() == 1 && sameName(names[0], inboxName)) return root_;
@@ -127,6 +128,9 @@ LoadedStore Maildir::load() {
     if (isNew) loaded.state.storeId = randomStoreId();
     storeId_ = loaded.state.storeId;
 
+    cache_.read(readFile(root_ / cacheName).value_or(std::string()));
+    fromCache_ = 0;
+    cacheIsTrue_ = !cache_.isEmpty();
     std::vector<std::vector<String>> paths{{String(inboxName)}};
     for (const auto& entry : fs::directory_iterator(root_)) {
       const auto name = asciiName(entry.path());
@@ -153,35 +157,44 @@ LoadedStore Maildir::load() {
       loadMessages(folderPath(names), *folder);
     }
     loaded.state.nextId = std::max(loaded.state.nextId, highestId_ + 1);
+    cacheIsTrue_ = cacheIsTrue_ && fromCache_ == cache_.size();
+    cache_ = {};
     if (isNew) writeState(loaded.state);
     return loaded;
   });
 }
 
 void Maildir::loadMessages(const fs::path& folder, LoadedFolder& into) {
-  std::vector<std::pair<std::string, fs::path>> files;  // by base name, which is the order of arrival
-  for (const char* const part : {"cur", "new"}) {
-    std::error_code error;
-    for (const auto& entry : fs::directory_iterator(folder / part, error)) {
-      const auto name = asciiName(entry.path());
-      if (name && name->front() != '.' && entry.is_regular_file(error))
-        files.emplace_back(parseName(*name).base, fs::path(part) / *name);
+  // By base name, which is the order of arrival. The stamps are older than what is read: never newer.
+  std::vector<std::tuple<std::string, fs::path, FileStamp>> files;
+  for (const char* const part : {"cur", "new"})
+    for (const FileEntry& entry : environment_->filesIn(folder / part)) {
+      const auto name = asciiName(entry.name);
+      if (name && name->front() != '.') files.emplace_back(parseName(*name).base, fs::path(part) / *name, entry.stamp);
     }
-  }
-  std::sort(files.begin(), files.end());
-  for (const auto& [base, file] : files) {
+  const auto order = [](const auto& file) { return std::tie(std::get<0>(file), std::get<1>(file)); };
+  std::sort(files.begin(), files.end(), [&](const auto& a, const auto& b) { return order(a) < order(b); });
+  for (const auto& [base, file, stamp] : files) {
+    if (const auto cached = cache_.find(cacheKey(folder, base), stamp)) {
+      ++fromCache_;
+      noteArrival(base);
+      into.messages.push_back(loadMessage(file, stamp, *cached));
+      continue;
+    }
+    cacheIsTrue_ = false;
     const auto content = readFile(folder / file);
     if (!content) continue;
     noteArrival(base);
-    into.messages.push_back(loadMessage(file, *content));
+    into.messages.push_back(loadMessage(file, stamp, *content));
   }
 }
 
-MessagePtr Maildir::loadMessage(const fs::path& file, std::string_view content) {
+MessagePtr Maildir::loadMessage(const fs::path& file, const FileStamp& stamp, std::string_view content) {
   auto message = std::make_shared<Message>();
   readMessageFile(content, *message);
   const FlaggedName name = parseName(*asciiName(file));
   message->file = file;
+  message->stamp = stamp;
   message->unread = name.flags.find(seen) == std::string::npos;
   if (message->entryId.empty()) message->entryId = derivedEntryId(storeId_, name.base);
   const String prefix = u"00000000" + storeId_;
@@ -226,7 +239,7 @@ std::string Maildir::freshBase(const Message& message, const fs::path& folder) {
   }
 }
 
-void Maildir::replaceFile(const fs::path& folder, const fs::path& name, const std::string& content) {
+FileStamp Maildir::replaceFile(const fs::path& folder, const fs::path& name, const std::string& content) {
   const fs::path temporary = folder / "tmp" / name.filename();
   {
     std::ofstream stream(temporary, std::ios::binary | std::ios::trunc);
@@ -239,7 +252,9 @@ void Maildir::replaceFile(const fs::path& folder, const fs::path& name, const st
     }
   }
   environment_->flushToDisk(temporary);
+  const FileStamp stamp = environment_->stampOf(temporary);  // while nobody else can have changed it
   fs::rename(temporary, folder / name);
+  return stamp;
 }
 
 void Maildir::createFolder(const Folder& folder) {
@@ -252,6 +267,7 @@ void Maildir::createFolder(const Folder& folder) {
 
 // Everything below is renamed too; the folder itself last, so that a crash leaves every file in some folder.
 void Maildir::renameFolder(const Folder& folder, StringView newName) {
+  cacheIsTrue_ = false;
   guarded([&] {
     const std::vector<String> from = folder.path();
     std::vector<String> to = from;
@@ -271,6 +287,7 @@ void Maildir::renameFolder(const Folder& folder, StringView newName) {
 }
 
 void Maildir::removeFolder(const Folder& folder) {
+  cacheIsTrue_ = false;
   guarded([&] {
     for (const auto& below : folder.children()) removeFolder(*below);
     fs::remove_all(folderPath(folder));
@@ -285,7 +302,10 @@ void Maildir::write(const Folder& folder, Message& message) {
         message.foreign && !file.empty() ? readFile(path / file).value_or(std::string()) : std::string();
     if (file.empty())
       file = fs::path("cur") / joinName(withFlag({freshBase(message, path), {}}, seen, !message.unread), separator_);
-    replaceFile(path, file, messageFile(message, original));
+    // Where times are coarse, the new file can have the old one's stamp.
+    if (!message.file.empty()) dropCache();
+    cacheIsTrue_ = false;
+    message.stamp = replaceFile(path, file, messageFile(message, original));
     message.file = file;
   });
 }
@@ -317,6 +337,7 @@ void Maildir::move(Message& message, const Folder& from, const Folder& to) {
     if (!message.foreign || fs::exists(target / "cur" / joinName(name, separator_)))
       name.base = freshBase(message, target);
     const fs::path moved = fs::path("cur") / joinName(name, separator_);
+    cacheIsTrue_ = false;
     fs::rename(source / file, target / moved);
     message.file = moved;
   });
@@ -326,12 +347,56 @@ void Maildir::erase(const Folder& folder, const Message& message) {
   guarded([&] {
     const fs::path path = folderPath(folder);
     const fs::path file = locate(path, message);
+    cacheIsTrue_ = false;
     if (!file.empty()) fs::remove(path / file);
   });
 }
 
 void Maildir::writeState(const StoreState& state) {
   guarded([&] { replaceFile(root_, fs::path(stateName), stateFile(state)); });
+}
+
+// ---- the cache ------------------------------------------------------------------------------------------------------
+
+std::string Maildir::cacheKey(const fs::path& folder, const std::string& base) const {
+  return (folder == root_ ? std::string(".") : asciiName(folder).value_or(std::string())) + "/" + base;
+}
+
+void Maildir::dropCache() {
+  cacheIsTrue_ = false;
+  std::error_code ignored;
+  fs::remove(root_ / cacheName, ignored);
+}
+
+// Files of other programs are read from their own place: only there they are exactly what they are.
+void Maildir::finish(const Folder& root) {
+  if (cacheIsTrue_) return;
+  StoreCache::Writer writer;
+  std::vector<const Folder*> waiting{&root};
+  while (!waiting.empty()) {
+    const Folder* const folder = waiting.back();
+    waiting.pop_back();
+    for (const auto& below : folder->children()) waiting.push_back(below.get());
+    for (const MessagePtr& message : folder->messages()) {
+      const auto name = asciiName(message->file);
+      if (message->foreign || message->changed || !name) continue;
+      writer.add(cacheKey(folderPath(*folder), parseName(*name).base), message->stamp, messageFile(*message));
+    }
+  }
+  const std::string content = writer.size() >= worthACache_ ? writer.content() : std::string();
+  const bool isKept = !content.empty() && content.size() <= static_cast<std::size_t>(largestFile);
+  try {
+    guarded([&] {
+      // What was deleted does not live on in it.
+      if (isKept)
+        replaceFile(root_, fs::path(cacheName), content);
+      else
+        fs::remove(root_ / cacheName);
+    });
+    cacheIsTrue_ = isKept;
+  } catch (const RuntimeError&) {
+    // The next start takes longer; no reason to disturb the end of this one.
+  }
 }
 
 }  // namespace mailclient

@@ -4,6 +4,7 @@
 //   <root>/.Sent Items/      a folder: a Maildir with an empty-named marker file "maildirfolder" that tells its type
 //   <root>/.Contacts.Work/   a folder inside another; names are in modified UTF-7, as IMAP servers write them
 //   <root>/mailclient.state  what the store remembers besides (see state_file.h)
+//   <root>/mailclient.cache  a copy of a large store's files (see store_cache.h)
 //
 // A file is written to tmp/ and renamed into cur/, so that it is there as a whole or not at all; a changed item
 // replaces its file in the same way; moving an item and its read state are one rename each. So a crash at any point
@@ -19,6 +20,7 @@
 
 #include "mailclient/environment.h"
 #include "mailclient/persistence.h"
+#include "mailclient/store_cache.h"
 
 namespace mailclient {
 
@@ -26,7 +28,8 @@ inline constexpr char flagSeparator = std::filesystem::path::preferred_separator
 
 class Maildir final : public Persistence {
  public:
-  Maildir(std::filesystem::path root, std::shared_ptr<Environment> environment, char separator = flagSeparator);
+  Maildir(std::filesystem::path root, std::shared_ptr<Environment> environment, char separator = flagSeparator,
+          std::size_t worthACache = 500);
 
   LoadedStore load() override;
   void createFolder(const Folder& folder) override;
@@ -37,6 +40,7 @@ class Maildir final : public Persistence {
   void move(Message& message, const Folder& from, const Folder& to) override;
   void erase(const Folder& folder, const Message& message) override;
   void writeState(const StoreState& state) override;
+  void finish(const Folder& root) override;
 
  private:
   std::filesystem::path folderPath(const std::vector<String>& names) const;
@@ -44,15 +48,23 @@ class Maildir final : public Persistence {
   // A name for a message's file that is free in cur/ of `folder`, and sorts behind every other.
   std::string freshBase(const Message& message, const std::filesystem::path& folder);
   // Stores a file as a whole; `name` is its place below `folder`.
-  void replaceFile(const std::filesystem::path& folder, const std::filesystem::path& name, const std::string& content);
+  FileStamp replaceFile(const std::filesystem::path& folder, const std::filesystem::path& name,
+                        const std::string& content);
   void loadMessages(const std::filesystem::path& folder, LoadedFolder& into);
-  MessagePtr loadMessage(const std::filesystem::path& file, std::string_view content);
+  MessagePtr loadMessage(const std::filesystem::path& file, const FileStamp& stamp, std::string_view content);
   void noteArrival(const std::string& base);
+  // The name of a message's file in the cache.
+  std::string cacheKey(const std::filesystem::path& folder, const std::string& base) const;
+  void dropCache();
 
   std::filesystem::path root_;
   std::shared_ptr<Environment> environment_;
   char separator_;
+  std::size_t worthACache_;  // messages: of fewer, the files themselves are read quickly enough
   String storeId_;
+  StoreCache cache_;              // while loading
+  std::size_t fromCache_ = 0;     // messages that came out of it
+  bool cacheIsTrue_ = false;      // what lies on the disk holds every message, and nothing else
   std::uint64_t highestId_ = 0;   // of the EntryIDs that were found
   std::uint64_t lastSecond_ = 0;  // the last name that was made or found: seconds since 1970,
   std::uint64_t lastNumber_ = 0;  // and the number within that second

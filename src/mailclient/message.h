@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <memory>
 
+#include "mailclient/environment.h"
 #include "mailclient/types.h"
 
 namespace mailclient {
@@ -58,6 +59,7 @@ struct Message {
   Folder* folder = nullptr;    // of an unsaved item, the folder that Save will put it into
   Item* view = nullptr;        // the live object-model item, if any
   std::filesystem::path file;  // where the persistent store keeps it, without the folder
+  FileStamp stamp;             // of that file when it was read or written
   bool foreign = false;        // its file was written by another program
 
   String formName;  // of the form that would be published from this item

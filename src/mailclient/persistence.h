@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <vector>
 
 #include "mailclient/folder.h"
@@ -40,6 +41,7 @@ struct StoreState {
   std::uint64_t nextId = 1;  // no EntryID at or above this number was ever given away
   std::vector<PublishedForm> forms;
   std::vector<SavedButton> buttons;
+  std::map<String, String> settings;  // of the mail client's own window, by name
 };
 
 struct LoadedFolder {
@@ -70,6 +72,8 @@ class Persistence {
   virtual void move(Message& message, const Folder& from, const Folder& to) = 0;
   virtual void erase(const Folder& folder, const Message& message) = 0;
   virtual void writeState(const StoreState& state) = 0;
+  // The mail client ends in good order; `root` is what the next load() will find.
+  virtual void finish(const Folder& /*root*/) {}
 };
 
 }  // namespace mailclient

@@ -27,7 +27,7 @@ constexpr std::array<TextProperty, textCount> table{{
     {Text::HomeTelephoneNumber, u"HomeTelephoneNumber", Owners::Contacts, true},
 }};
 
-constexpr std::int32_t mailKind = 43;
+constexpr std::int32_t mailItemKind = 43;
 constexpr std::int32_t contactKind = 40;
 
 }  // namespace
@@ -39,7 +39,7 @@ bool hasProperty(const Message& message, Text text) {
     case Owners::All:
       return true;
     case Owners::Mail:
-      return kindOf(message[Text::MessageClass]) == mailKind;
+      return kindOf(message[Text::MessageClass]) == mailItemKind;
     case Owners::Contacts:
       return kindOf(message[Text::MessageClass]) == contactKind;
   }

@@ -71,6 +71,7 @@ std::string stateFile(const StoreState& state) {
     file += "button" + field(b.menu) + field(b.bar) + field(b.caption) + field(b.tag) + field(b.tooltip) +
             field(b.parameter) + field(b.onAction) + field(b.faceId) + field(b.style) + field(b.beginGroup) +
             field(b.enabled) + field(b.visible) + "\n";
+  for (const auto& [name, value] : state.settings) file += "setting" + field(name) + field(value) + "\n";
   return file;
 }
 
@@ -90,6 +91,8 @@ StoreState readStateFile(std::string_view content) {
     if (word == "next" && fields.size() == 1)
       state.nextId = std::max<std::uint64_t>(1, number<std::uint64_t>(fields[0]));
     if (word == "form" && fields.size() == formFields) state.forms.push_back(formOf(fields));
+    if (word == "setting" && fields.size() == 2)
+      state.settings[unescapeExactly(fields[0])] = unescapeExactly(fields[1]);
     if (word == "button" && fields.size() == buttonFields) state.buttons.push_back(buttonOf(fields));
   }
   return state;

@@ -6,6 +6,7 @@
 //   next =257
 //   form =IPM.Note.TxtMsg =TxtMsg =TxtMsg =2
 //   button =30007 =Menu_Bar =Caption =Tag =Tooltip =Parameter =OnAction =1757 =3 =0 =1 =1
+//   setting =explorer.place =100_80_1024_700
 #pragma once
 
 #include <string>

@@ -214,6 +214,7 @@ std::shared_ptr<Folder> Store::addFolder(Folder& parent, StringView name, ItemTy
   auto folder = std::make_shared<Folder>(&parent, name, type);
   if (persistence_) persistence_->createFolder(*folder);
   parent.children_.push_back(folder);
+  foldersChanged();
   return folder;
 }
 
@@ -226,6 +227,7 @@ void Store::renameFolder(Folder& folder, StringView name) {
   if (other && other.get() != &folder) fail(failure::collision, u"A folder with this name already exists.");
   if (persistence_) persistence_->renameFolder(folder, name);
   folder.name_ = name;
+  foldersChanged();
 }
 
 void Store::removeFolder(Folder& folder) {
@@ -247,6 +249,7 @@ void Store::removeFolder(Folder& folder) {
                                  [&](const auto& f) { return f.get() == &folder; });
   removed_.push_back(*keep);
   folder.parent_->children_.erase(keep);
+  foldersChanged();
 }
 
 void Store::publishForm(PublishedForm form) {
@@ -265,6 +268,18 @@ void Store::saveButtons(std::vector<SavedButton> buttons) {
   next.buttons = std::move(buttons);
   if (persistence_) persistence_->writeState(next);
   state_ = std::move(next);
+}
+
+void Store::saveSettings(std::map<String, String> settings) {
+  if (settings == state_.settings) return;
+  StoreState next = state_;
+  next.settings = std::move(settings);
+  if (persistence_) persistence_->writeState(next);
+  state_ = std::move(next);
+}
+
+void Store::finish() {
+  if (persistence_) persistence_->finish(*root_);
 }
 
 }  // namespace mailclient

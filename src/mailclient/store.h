@@ -3,6 +3,7 @@
 // and may start operations of their own.
 #pragma once
 
+#include <functional>
 #include <memory>
 
 #include "mailclient/persistence.h"
@@ -44,12 +45,17 @@ class Store {
   // Into Deleted Items; from there (and from the folders below it), for good.
   void remove(const MessagePtr& message);
 
+  // Hears that folders were added, renamed or removed.
+  std::function<void()> foldersChanged = [] {};
   std::shared_ptr<Folder> addFolder(Folder& parent, StringView name, ItemType type);
   void renameFolder(Folder& folder, StringView name);
   void removeFolder(Folder& folder);  // with everything in it, for good
 
   void publishForm(PublishedForm form);
   void saveButtons(std::vector<SavedButton> buttons);
+  void saveSettings(std::map<String, String> settings);
+  // The mail client ends: what makes the next start quicker is stored.
+  void finish();
 
  private:
   String newEntryId();

@@ -234,4 +234,10 @@ std::string fromBase64(std::string_view text) {
   return bytes;
 }
 
+std::uint64_t fingerprint(std::string_view bytes) {
+  std::uint64_t hash = 14695981039346656037u;
+  for (const char c : bytes) hash = (hash ^ static_cast<unsigned char>(c)) * 1099511628211u;
+  return hash;
+}
+
 }  // namespace mailclient

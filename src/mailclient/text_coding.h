@@ -1,6 +1,7 @@
 // Text as bytes: UTF-8, an escape that keeps every UTF-16 unit exactly, quoted-printable and base64.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -29,5 +30,8 @@ std::string fromQuotedPrintable(std::string_view text);
 
 // Characters outside the alphabet are skipped.
 std::string fromBase64(std::string_view text);
+
+// Tells texts apart (FNV-1a, 64 bits), but not against somebody who wants them to look the same.
+std::uint64_t fingerprint(std::string_view bytes);
 
 }  // namespace mailclient

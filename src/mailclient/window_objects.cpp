@@ -78,7 +78,12 @@ String Explorer::caption() { return window_->folder->name() + u" - " + String(pr
 Ref<CommandBars> Explorer::commandBars() { return client().explorerBars().view.get(clientPtr()); }
 Ref<MAPIFolder> Explorer::currentFolder() { return client().folderObject(window_->folder); }
 std::int32_t Explorer::windowState() { return window_->state; }
-void Explorer::putWindowState(std::int32_t state) { window_->state = state; }
+
+void Explorer::putWindowState(std::int32_t state) {
+  if (state < 0 || state > 2) raiseError(5);
+  window_->state = state;
+  if (WindowsHost* const host = client().windows().host) host->stateChanged(window_);
+}
 
 void Explorer::putCurrentFolder(const Object& folder) {
   client().windows().showFolder(window_, MAPIFolder::of(folder).shared_from_this());

@@ -1,13 +1,26 @@
 #include "mailclient/windows.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "addin/platform/outlook.h"
 #include "mailclient/client.h"
+#include "mailclient/events.h"
+#include "mailclient/folders.h"
 
 namespace mailclient {
 
 namespace outlook = platform::outlook;
+
+namespace {
+
+// An event that nobody listens to costs no object.
+template <class Kind, class Window, class... P, class... A>
+void tell(const std::shared_ptr<Window>& window, const platform::Event<P...>& event, A&&... arguments) {
+  if (const Ref<Kind> listeners(window->view.live()); listeners) listeners.get()->fire(event, arguments...);
+}
+
+}  // namespace
 
 ExplorerPtr Windows::openExplorer(const std::shared_ptr<Folder>& folder) {
   auto window = std::make_shared<ExplorerWindow>();
@@ -16,6 +29,7 @@ ExplorerPtr Windows::openExplorer(const std::shared_ptr<Folder>& folder) {
   order_.emplace_back(window);
   if (const Ref<Explorers> listeners(explorersView.live()); listeners && listeners.get()->listenerCount() != 0)
     listeners.get()->fire(outlook::ExplorersEvents::NewExplorer, explorerObject(window).get()->object());
+  if (host && !window->closing) host->opened(window);
   return window;
 }
 
@@ -33,35 +47,81 @@ InspectorPtr Windows::openInspector(const MessagePtr& message) {
   order_.emplace_back(window);
   if (const Ref<Inspectors> listeners(inspectorsView.live()); listeners && listeners.get()->listenerCount() != 0)
     listeners.get()->fire(outlook::InspectorsEvents::NewInspector, inspectorObject(window).get()->object());
+  if (host && !window->closing) host->opened(window);
   return window;
 }
 
 void Windows::activate(const ExplorerPtr& window) {
-  std::erase(order_, std::variant<ExplorerPtr, InspectorPtr>(window));
-  order_.emplace_back(window);
+  if (host)
+    host->toFront(window);
+  else
+    activated(window);
 }
 
 void Windows::activate(const InspectorPtr& window) {
-  std::erase(order_, std::variant<ExplorerPtr, InspectorPtr>(window));
-  order_.emplace_back(window);
+  if (host)
+    host->toFront(window);
+  else
+    activated(window);
+}
+
+void Windows::activated(const ExplorerPtr& window) {
+  if (window->closing || active_ == Any(window)) return;
+  makeActive(window);
+  tell<Explorer>(window, ExplorerEvents::Activate);
+}
+
+void Windows::activated(const InspectorPtr& window) {
+  if (window->closing || active_ == Any(window)) return;
+  makeActive(window);
+  tell<Inspector>(window, InspectorEvents::Activate);
+}
+
+void Windows::deactivated(const ExplorerPtr& window) {
+  if (active_ == Any(window)) leaveActive();
+}
+
+void Windows::deactivated(const InspectorPtr& window) {
+  if (active_ == Any(window)) leaveActive();
+}
+
+void Windows::makeActive(const Any& window) {
+  leaveActive();
+  std::erase(order_, window);
+  order_.push_back(window);
+  active_ = window;
+}
+
+void Windows::leaveActive() {
+  const auto left = std::exchange(active_, std::nullopt);
+  if (!left) return;
+  if (const auto* const explorer = std::get_if<ExplorerPtr>(&*left))
+    tell<Explorer>(*explorer, ExplorerEvents::Deactivate);
+  else
+    tell<Inspector>(std::get<InspectorPtr>(*left), InspectorEvents::Deactivate);
+}
+
+void Windows::forget(const Any& window) {
+  if (active_ == window) active_.reset();
+  std::erase(order_, window);
 }
 
 void Windows::close(ExplorerPtr window) {
   if (window->closing) return;
   window->closing = true;
-  if (const Ref<Explorer> listeners(window->view.live()); listeners)
-    listeners.get()->fire(outlook::ExplorerEvents::Close);
-  std::erase(order_, std::variant<ExplorerPtr, InspectorPtr>(window));
+  tell<Explorer>(window, outlook::ExplorerEvents::Close);
+  forget(window);
   std::erase(explorers_, window);
+  if (host) host->closed(window);
 }
 
 void Windows::close(InspectorPtr window) {
   if (window->closing) return;
   window->closing = true;
-  if (const Ref<Inspector> listeners(window->view.live()); listeners)
-    listeners.get()->fire(outlook::InspectorEvents::Close);
-  std::erase(order_, std::variant<ExplorerPtr, InspectorPtr>(window));
+  tell<Inspector>(window, outlook::InspectorEvents::Close);
+  forget(window);
   std::erase(inspectors_, window);
+  if (host) host->closed(window);
 }
 
 void Windows::closeInspectorsOf(const MessagePtr& message) {
@@ -77,17 +137,28 @@ void Windows::closeAll() {
   for (const ExplorerPtr& window : folders) close(window);
 }
 
-void Windows::showFolder(const ExplorerPtr& window, const std::shared_ptr<Folder>& folder) {
-  if (window->folder == folder) return;
+bool Windows::showFolder(const ExplorerPtr& window, const std::shared_ptr<Folder>& folder) {
+  if (window->folder == folder) return true;
+  const Ref<Explorer> listeners(window->view.live());
+  if (listeners && listeners.get()->listenerCount() != 0) {
+    bool cancel = false;
+    listeners.get()->fire(ExplorerEvents::BeforeFolderSwitch, client_.folderObject(folder).get()->object(), cancel);
+    if (cancel || window->closing) return false;
+  }
   window->folder = folder;
-  select(window, {});
+  const bool hadSelection = !window->selection.empty();
+  window->selection.clear();
+  if (host) host->folderShown(window);
+  tell<Explorer>(window, ExplorerEvents::FolderSwitch);
+  if (hadSelection) tell<Explorer>(window, outlook::ExplorerEvents::SelectionChange);
+  return true;
 }
 
 void Windows::select(const ExplorerPtr& window, std::vector<MessagePtr> messages) {
   if (window->selection == messages) return;
   window->selection = std::move(messages);
-  if (const Ref<Explorer> listeners(window->view.live()); listeners)
-    listeners.get()->fire(outlook::ExplorerEvents::SelectionChange);
+  if (host) host->selectionChanged(window);
+  tell<Explorer>(window, outlook::ExplorerEvents::SelectionChange);
 }
 
 Ref<Explorer> Windows::explorerObject(const ExplorerPtr& window) {

@@ -119,9 +119,29 @@ class Selection final : public ModelObject {
   std::vector<MessagePtr> messages_;
 };
 
+// Who shows the windows on a screen; without one they are only kept. It tells Windows what the user does with them.
+class WindowsHost {
+ public:
+  virtual void opened(const ExplorerPtr& window) = 0;
+  virtual void opened(const InspectorPtr& window) = 0;
+  // Brought to the front; the host reports back when the system has made it the active one.
+  virtual void toFront(const ExplorerPtr& window) = 0;
+  virtual void toFront(const InspectorPtr& window) = 0;
+  virtual void closed(const ExplorerPtr& window) = 0;
+  virtual void closed(const InspectorPtr& window) = 0;
+  virtual void folderShown(const ExplorerPtr& window) = 0;
+  virtual void selectionChanged(const ExplorerPtr& window) = 0;
+  virtual void stateChanged(const ExplorerPtr& window) = 0;
+
+ protected:
+  ~WindowsHost() = default;
+};
+
 class Windows {
  public:
   explicit Windows(MailClient& client) : client_(client) {}
+
+  WindowsHost* host = nullptr;
 
   const std::vector<ExplorerPtr>& explorers() const { return explorers_; }
   const std::vector<InspectorPtr>& inspectors() const { return inspectors_; }
@@ -132,12 +152,18 @@ class Windows {
   InspectorPtr openInspector(const MessagePtr& message);
   void activate(const ExplorerPtr& window);
   void activate(const InspectorPtr& window);
+  // The window has become the active one, or is no longer.
+  void activated(const ExplorerPtr& window);
+  void activated(const InspectorPtr& window);
+  void deactivated(const ExplorerPtr& window);
+  void deactivated(const InspectorPtr& window);
   void close(ExplorerPtr window);
   void close(InspectorPtr window);
   void closeInspectorsOf(const MessagePtr& message);
   void closeAll();
 
-  void showFolder(const ExplorerPtr& window, const std::shared_ptr<Folder>& folder);
+  // False when a listener refused.
+  bool showFolder(const ExplorerPtr& window, const std::shared_ptr<Folder>& folder);
   void select(const ExplorerPtr& window, std::vector<MessagePtr> messages);
 
   Ref<Explorer> explorerObject(const ExplorerPtr& window);
@@ -151,10 +177,16 @@ class Windows {
   View<Inspectors> inspectorsView;
 
  private:
+  using Any = std::variant<ExplorerPtr, InspectorPtr>;
+  void makeActive(const Any& window);
+  void leaveActive();
+  void forget(const Any& window);
+
   MailClient& client_;
-  std::vector<ExplorerPtr> explorers_;                          // in the order of opening
-  std::vector<InspectorPtr> inspectors_;                        // in the order of opening
-  std::vector<std::variant<ExplorerPtr, InspectorPtr>> order_;  // the frontmost is the last
+  std::vector<ExplorerPtr> explorers_;    // in the order of opening
+  std::vector<InspectorPtr> inspectors_;  // in the order of opening
+  std::vector<Any> order_;                // the frontmost is the last
+  std::optional<Any> active_;             // the one with the user's attention, if it is one of ours
 };
 
 }  // namespace mailclient

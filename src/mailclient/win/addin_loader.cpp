@@ -7,6 +7,7 @@
 #include "com/extensibility2.h"
 #include "mailclient/application.h"
 #include "mailclient/text_coding.h"
+#include "mailclient/win/ui.h"
 
 namespace mailclient::win {
 namespace {
@@ -15,8 +16,6 @@ constexpr const wchar_t* listKey = L"Software\\Microsoft\\Office\\Outlook\\Addin
 // Bits of LoadBehavior.
 constexpr DWORD connected = 1;
 constexpr DWORD loadsAtStartup = 2;
-
-const wchar_t* wide(const String& text) { return reinterpret_cast<const wchar_t*>(text.c_str()); }
 
 class Key {
  public:

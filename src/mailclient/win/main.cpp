@@ -11,14 +11,17 @@
 #include "mailclient/maildir.h"
 #include "mailclient/win/headless.h"
 #include "mailclient/win/mapi_face.h"
+#include "mailclient/win/window_program.h"
 #include "mailclient/win/windows_environment.h"
 
 namespace {
 
 constexpr const char* usage =
-    "mailclient --headless [--store FOLDER] [--no-explorer] [--no-assistant] [--without-menu ID]...\n"
+    "mailclient [--headless | --console] [--store FOLDER] [--no-explorer] [--no-assistant] [--without-menu ID]...\n"
     "\n"
-    "  --headless         commands on standard input, one a line; the answers begin with the command's number\n"
+    "  --headless         no window: commands on standard input, one a line; the answers begin with the command's "
+    "number\n"
+    "  --console          the window, and commands on standard input as well\n"
     "  --store FOLDER     keep folders and items in this Maildir tree; without it, in memory\n"
     "  --no-explorer      start without a window, as when another program starts the mail client\n"
     "  --no-assistant     as later mail clients, which have no Office Assistant\n"
@@ -28,6 +31,7 @@ constexpr const char* usage =
 
 struct Arguments {
   bool headless = false;
+  bool console = false;
   bool help = false;
   bool good = true;
   std::filesystem::path store;
@@ -42,6 +46,8 @@ Arguments parse(int count, wchar_t** texts) {
     const std::wstring_view text = texts[i];
     if (text == L"--headless")
       a.headless = true;
+    else if (text == L"--console")
+      a.console = true;
     else if (text == L"--no-explorer")
       a.options.explorer = false;
     else if (text == L"--no-assistant")
@@ -66,14 +72,18 @@ int run(const Arguments& arguments) {
   options.menusLeftOut = arguments.menusLeftOut;
   if (!arguments.store.empty())
     options.persistence = std::make_unique<mailclient::Maildir>(arguments.store, options.environment);
-  return mailclient::win::runHeadless(mailclient::MailClient::create(std::move(options)), arguments.options);
+  const mailclient::ClientPtr client = mailclient::MailClient::create(std::move(options));
+  if (arguments.headless) return mailclient::win::runHeadless(client, arguments.options);
+  const int code = mailclient::win::runWindows(client, {arguments.options.explorer, arguments.console});
+  if (code != 0) std::fputs("mailclient: there is no display; --headless works without one\n", stderr);
+  return code;
 }
 
 }  // namespace
 
 int wmain(int count, wchar_t** texts) {
   const Arguments arguments = parse(count, texts);
-  if (arguments.help || !arguments.good || !arguments.headless) {
+  if (arguments.help || !arguments.good) {
     std::FILE* const to = arguments.help ? stdout : stderr;
     const std::string_view commands = mailclient::Console::helpText();
     std::fputs(usage, to);

@@ -28,6 +28,12 @@ double biasNow() {
 // The run time's calendar knows the season of a date; outside these years the present one has to do.
 bool hasSeasons(std::int32_t year) { return year >= 1970 && year <= 2037; }
 
+std::uint64_t joined(DWORD high, DWORD low) { return std::uint64_t{high} << 32 | low; }
+
+FileStamp fileStamp(DWORD sizeHigh, DWORD sizeLow, const FILETIME& time) {
+  return {joined(sizeHigh, sizeLow), static_cast<std::int64_t>(joined(time.dwHighDateTime, time.dwLowDateTime))};
+}
+
 }  // namespace
 
 Date WindowsEnvironment::utcNow() {
@@ -71,6 +77,25 @@ void WindowsEnvironment::flushToDisk(const std::filesystem::path& file) {
   if (handle == INVALID_HANDLE_VALUE) return;
   FlushFileBuffers(handle);
   CloseHandle(handle);
+}
+
+std::vector<FileEntry> WindowsEnvironment::filesIn(const std::filesystem::path& directory) {
+  std::vector<FileEntry> files;
+  WIN32_FIND_DATAW found{};
+  const HANDLE search = FindFirstFileW((directory / L"*").c_str(), &found);
+  if (search == INVALID_HANDLE_VALUE) return files;
+  do {
+    if (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) continue;
+    files.push_back({found.cFileName, fileStamp(found.nFileSizeHigh, found.nFileSizeLow, found.ftLastWriteTime)});
+  } while (FindNextFileW(search, &found));
+  FindClose(search);
+  return files;
+}
+
+FileStamp WindowsEnvironment::stampOf(const std::filesystem::path& file) {
+  WIN32_FILE_ATTRIBUTE_DATA data{};
+  if (!GetFileAttributesExW(file.c_str(), GetFileExInfoStandard, &data)) return {};
+  return fileStamp(data.nFileSizeHigh, data.nFileSizeLow, data.ftLastWriteTime);
 }
 
 }  // namespace mailclient::win

@@ -157,8 +157,8 @@ class MailClientProcess::Pipes {
   std::vector<std::string> lines_;
 };
 
-MailClientProcess::MailClientProcess(const std::wstring& arguments)
-    : pipes_(std::make_unique<Pipes>(L"\"" + productFolder() + L"\\mailclient.exe\" --headless " + arguments)) {
+MailClientProcess::MailClientProcess(const std::wstring& arguments, const std::wstring& mode)
+    : pipes_(std::make_unique<Pipes>(L"\"" + productFolder() + L"\\mailclient.exe\" " + mode + L" " + arguments)) {
   ready_ = answerTo(0, 60000).result == "ready";
 }
 

@@ -20,8 +20,9 @@ struct Answer {
 
 class MailClientProcess {
  public:
-  // Starts mailclient.exe --headless with further arguments and waits until it is ready.
-  explicit MailClientProcess(const std::wstring& arguments = L"");
+  // Starts mailclient.exe with further arguments and waits until it is ready. `mode` is --headless, or --console for
+  // one with windows.
+  explicit MailClientProcess(const std::wstring& arguments = L"", const std::wstring& mode = L"--headless");
   // A process that still runs is ended by force.
   ~MailClientProcess();
   MailClientProcess(const MailClientProcess&) = delete;

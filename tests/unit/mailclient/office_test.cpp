@@ -71,13 +71,13 @@ TEST_F(OfficeTest, Click_ReachesTheListenerOnlyWhileTheButtonCanBeClicked) {
   clicked.get()->button = add(menu::tools, u"T");
   const ControlPtr control = client->explorerBars().find({.tag = String(u"T")});
   ASSERT_TRUE(control);
-  EXPECT_TRUE(BarSet::click(control));
+  EXPECT_TRUE(client->explorerBars().click(control));
   EXPECT_THAT(clicked.get()->heard, ElementsAre(u"T"));
   clicked.get()->button->Enabled(false);
-  EXPECT_FALSE(BarSet::click(control));
+  EXPECT_FALSE(client->explorerBars().click(control));
   clicked.get()->button->Enabled(true);
   clicked.get()->button->Delete();
-  EXPECT_FALSE(BarSet::click(control));
+  EXPECT_FALSE(client->explorerBars().click(control));
   EXPECT_THAT(clicked.get()->heard, ElementsAre(u"T"));
   EXPECT_FALSE(byTag(menu::tools, u"T"));
   expectError(failure::unspecified, [&] { clicked.get()->button->Caption(u"x"); });

@@ -1,0 +1,29 @@
+// Lines of standard input, read on a thread of their own and posted to the window that executes them, as Windows does
+// with a user's input: a command can arrive in the wait of another one. The end of the input is the command "quit".
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace mailclient::win {
+
+class ConsoleInput {
+ public:
+  explicit ConsoleInput(std::function<void(const std::string& line)> execute);
+  ConsoleInput(const ConsoleInput&) = delete;
+  ConsoleInput& operator=(const ConsoleInput&) = delete;
+  ~ConsoleInput();
+
+ private:
+  class Reader;
+  std::unique_ptr<Reader> reader_;
+};
+
+// An answer, on standard output.
+void writeAnswer(const std::string& line);
+
+// Serves messages until the condition holds (true), or the time is over or the program ends (false).
+bool serveUntil(const std::function<bool()>& condition, unsigned long milliseconds);
+
+}  // namespace mailclient::win
