@@ -22,7 +22,7 @@ using namespace platform;
 using namespace servers::dvmworker;
 
 constexpr std::int32_t lookForClientsEvery = 1000;  // milliseconds
-constexpr int looksWithoutClients = 5;
+constexpr int looksWithoutClients = 4;
 constexpr DWORD waitForTheOneBefore = 5000;
 
 constexpr com::ClassRegistration registrations[] = {
