@@ -46,12 +46,6 @@ com::Ptr<IDispatch> worker() {
   return made;
 }
 
-bool workerRuns() {
-  const HANDLE mutex = OpenMutexW(SYNCHRONIZE, FALSE, L"Marrick DVMWorker");
-  if (mutex) CloseHandle(mutex);
-  return mutex != nullptr;
-}
-
 }  // namespace
 
 void connecting() {
@@ -61,7 +55,8 @@ void connecting() {
     report("dvmworker.exe running", medianOf(connectOnce), 0.1, "four buttons, engine, timers, form published");
   }
   const double cold = medianOf([] {
-    require(testing_support::waitUntil([] { return !workerRuns(); }, 60000), "dvmworker.exe ends without clients");
+    require(testing_support::waitUntil([] { return !testing_support::workerRuns(); }, 60000),
+            "dvmworker.exe ends without clients");
     return connectOnce();
   });
   report("dvmworker.exe to be started", cold, "the same");

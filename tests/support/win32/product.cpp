@@ -239,13 +239,13 @@ bool TraceLog::waitFor(const std::string& text, std::size_t from, std::uint32_t 
   return waitUntil([&] { return count(text, from) > 0; }, milliseconds);
 }
 
-namespace {
-
 bool workerRuns() {
   const HANDLE mutex = OpenMutexW(SYNCHRONIZE, FALSE, workerMutex);
   if (mutex) CloseHandle(mutex);
   return mutex != nullptr;
 }
+
+namespace {
 
 // COM starts a server that is not there, but Wine then looks for it once a second only.
 void startWorker() {
@@ -279,7 +279,6 @@ bool killProcess(std::uint32_t id) {
   return ended;
 }
 
-// Its mutex tells whether there is one, without starting it.
 void endWorker() {
   if (workerRuns()) killProcess(static_cast<std::uint32_t>(Handset::connect().ProcessId()));
 }

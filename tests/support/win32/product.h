@@ -107,6 +107,8 @@ class Handset : public platform::Object {
 
 // Kills a process, as a crash would, and waits for its end.
 bool killProcess(std::uint32_t id);
+// Whether dvmworker.exe runs, without starting it.
+bool workerRuns();
 // Kills dvmworker.exe when it runs. COM must be initialised.
 void endWorker();
 

@@ -90,19 +90,9 @@ TEST_F(FailingCalls, FromSomeMomentOn_CountAsFailuresOfTheMessage) {
   from = mark();
   clickSendReceive();
   ASSERT_TRUE(waitForTrace("ReceiveAll function called.", from));
-  const Lines reported{"CreateMessage:#",
-                       "Inside Function MoveMessage",
-                       "MoveMessage - EntryId: # From: Outbox To: Inbox",
-                       "MoveMessage - restrict folder items to TextMessage's",
-                       "MoveMessage = True",
-                       "To folder = Inbox",
-                       "MoveMessage - bMoved: True",
-                       "Item added to Deleted Items folder",
-                       "YES, the item is our mail item - check if phone connected",
-                       "m_bPhoneConnected = -1",
-                       "YES, the phone is connected"};
   EXPECT_EQ(traced(from), failedCommand() + failed(2) + Lines{"m_objOutboxItems_ItemAdd, trigger a sendall"} +
-                              sendTimerArmed() + reported + failedReceive() + Lines{"ReceiveAll function called."});
+                              sendTimerArmed() + reportMovedAndItemDeleted() + failedReceive() +
+                              Lines{"ReceiveAll function called."});
   EXPECT_EQ(items(), (Lines{"Inbox: The TextMessage Service was unable to deliver the following message."
                             "\\u000d\\u000a\\u000d\\u000aReported",
                             "Deleted Items: Reported"}));

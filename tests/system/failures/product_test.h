@@ -109,6 +109,7 @@ Lines messageBegins(const std::string& status = "0");
 Lines messageChecked(std::size_t inInbox, std::size_t inDeletedItems);
 Lines messageMoved();
 Lines sendTimerArmed();
+Lines reportMovedAndItemDeleted();  // the third failure of a message, its report made
 Lines simChecked(int used, int capacity);
 // Of the send timer's tick up to the request.
 Lines messageHandedOver(const std::string& number, const std::string& text, int parts = 1);

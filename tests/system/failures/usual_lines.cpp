@@ -97,6 +97,20 @@ Lines sendTimerArmed() {
   return {"Inside Function SendAll", "SetupSendMessage: #", "SendAll = True", "SetupSendMessage: #"};
 }
 
+Lines reportMovedAndItemDeleted() {
+  return {"CreateMessage:#",
+          "Inside Function MoveMessage",
+          "MoveMessage - EntryId: # From: Outbox To: Inbox",
+          "MoveMessage - restrict folder items to TextMessage's",
+          "MoveMessage = True",
+          "To folder = Inbox",
+          "MoveMessage - bMoved: True",
+          "Item added to Deleted Items folder",
+          "YES, the item is our mail item - check if phone connected",
+          "m_bPhoneConnected = -1",
+          "YES, the phone is connected"};
+}
+
 Lines simChecked(int used, int capacity) {
   return {"Inside Function isSimFull",
           "Max SIM Capacity = " + std::to_string(capacity),

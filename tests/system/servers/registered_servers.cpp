@@ -2,6 +2,7 @@
 
 #include "com/create_object.h"
 #include "servers/dvmworker/handset_control.h"
+#include "support/win32/product.h"
 
 namespace servers_tests {
 
@@ -150,12 +151,8 @@ void RegisteredServers::killWorker(const platform::LateBound& handset) {
   CloseHandle(process);
 }
 
-// Its mutex tells whether there is one, without starting it.
 void RegisteredServers::endRunningWorker() {
-  const HANDLE mutex = OpenMutexW(SYNCHRONIZE, FALSE, L"Marrick DVMWorker");
-  if (!mutex) return;
-  CloseHandle(mutex);
-  killWorker(handset());
+  if (testing_support::workerRuns()) killWorker(handset());
 }
 
 }  // namespace servers_tests
