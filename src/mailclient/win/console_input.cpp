@@ -24,12 +24,15 @@ class ConsoleInput::Reader {
     window_ = CreateWindowExW(0, windowClass, L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, windows.hInstance, nullptr);
     SetWindowLongPtrW(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
     InitializeCriticalSection(&lock_);
+    InitializeCriticalSection(&working_);
     thread_ = CreateThread(nullptr, 0, &Reader::read, this, 0, nullptr);
   }
   Reader(const Reader&) = delete;
   Reader& operator=(const Reader&) = delete;
   ~Reader() {
-    // Nothing can end a read of standard input; the process is about to.
+    // Nothing can end a read of standard input; the process is about to. Whatever else the thread was at is finished
+    // first: ended inside the heap or the message queue, it would leave their locks behind, and the end would hang.
+    EnterCriticalSection(&working_);
     TerminateThread(thread_, 0);
     CloseHandle(thread_);
     DeleteCriticalSection(&lock_);
@@ -46,14 +49,18 @@ class ConsoleInput::Reader {
     char buffer[512];
     DWORD count = 0;
     while (ReadFile(input, buffer, sizeof buffer, &count, nullptr) && count != 0) {
+      EnterCriticalSection(&reader.working_);
       pending.append(buffer, count);
       for (std::size_t end = pending.find('\n'); end != std::string::npos; end = pending.find('\n')) {
         reader.put(pending.substr(0, end));
         pending.erase(0, end + 1);
       }
+      LeaveCriticalSection(&reader.working_);
     }
+    EnterCriticalSection(&reader.working_);
     if (!pending.empty()) reader.put(std::move(pending));
     reader.put("quit");
+    LeaveCriticalSection(&reader.working_);
     return 0;
   }
 
@@ -88,7 +95,8 @@ class ConsoleInput::Reader {
 
   std::function<void(const std::string&)> execute_;
   HWND window_ = nullptr;
-  CRITICAL_SECTION lock_{};
+  CRITICAL_SECTION lock_{};     // of the lines
+  CRITICAL_SECTION working_{};  // held by the thread whenever it does not read
   HANDLE thread_ = nullptr;
   std::deque<std::string> lines_;
 };
