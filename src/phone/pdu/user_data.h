@@ -34,7 +34,8 @@ std::size_t octetsOfUserData(const DataCoding& coding, std::uint8_t length);
 // Throws BadPdu when the length is above what a message can hold or the header is longer than the user data.
 Content readUserData(const UserData& data, const DataCoding& coding);
 
-// One message's user data. The text must fit, see capacityAlone() and capacityOfPart().
+// One message's user data. The text must fit, see capacityAlone() and capacityOfPart(). As 8-bit data, it is written in
+// ISO 8859-1.
 UserData writeUserData(const UserDataHeader& header, std::u16string_view text, Alphabet alphabet);
 UserData writeUserData(const UserDataHeader& header, OctetsView data);
 
