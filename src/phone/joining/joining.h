@@ -30,13 +30,13 @@ namespace phone {
 // A message of one slot or several.
 struct JoinedMessage {
   Slot handle;                             // stands for the message: the slot of its first part
-  std::vector<Slot> slots;                 // all, duplicates included, in the order of deletion: the handle goes last
+  std::vector<Slot> slots = {};            // all, duplicates included, in the order of deletion: the handle goes last
   Status status = Status::ReceivedUnread;  // unread when any part is unread and the message was not handed over yet
   PduKind kind = PduKind::Undecodable;     // never a status report: those are skipped
-  std::optional<Address> serviceCentre;
-  Address peer;
-  std::optional<TimeStamp> timeStamp;  // of the first part that has one
-  std::u16string text;
+  std::optional<Address> serviceCentre = {};
+  Address peer = {};
+  std::optional<TimeStamp> timeStamp = {};  // of the first part that has one
+  std::u16string text = {};
   bool complete = true;
   bool handedOver = false;
   friend bool operator==(const JoinedMessage&, const JoinedMessage&) = default;

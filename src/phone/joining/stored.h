@@ -22,7 +22,7 @@ enum class Status : std::uint8_t { ReceivedUnread = 0, ReceivedRead = 1, StoredU
 struct StoredPdu {
   int index = 0;
   Status status = Status::ReceivedUnread;
-  std::string pdu;  // in hexadecimal, as listed
+  std::string pdu = {};  // in hexadecimal, as listed
   friend bool operator==(const StoredPdu&, const StoredPdu&) = default;
 };
 

@@ -28,7 +28,7 @@ struct Address {
   NumberType type = NumberType::Unknown;
   std::uint8_t plan = planTelephone;  // 0 to 15
   // Digits (0-9 * # a b c) without a plus sign, or the name of an alphanumeric sender, which cannot be answered.
-  std::u16string value;
+  std::u16string value = {};
   friend bool operator==(const Address&, const Address&) = default;
 };
 

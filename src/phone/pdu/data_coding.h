@@ -13,9 +13,9 @@ enum class Waiting { None, Discard, Store };  // indication of waiting messages;
 struct DataCoding {
   Alphabet alphabet = Alphabet::Gsm7;
   bool compressed = false;
-  bool deleteWhenRead = false;      // "marked for automatic deletion"
-  bool reserved = false;            // a value without meaning, which is taken for the 7-bit alphabet
-  std::optional<int> messageClass;  // 0 shown at once, 1 phone, 2 SIM, 3 other equipment
+  bool deleteWhenRead = false;           // "marked for automatic deletion"
+  bool reserved = false;                 // a value without meaning, which is taken for the 7-bit alphabet
+  std::optional<int> messageClass = {};  // 0 shown at once, 1 phone, 2 SIM, 3 other equipment
   Waiting waiting = Waiting::None;
   friend bool operator==(const DataCoding&, const DataCoding&) = default;
 };

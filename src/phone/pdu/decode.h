@@ -22,18 +22,18 @@ enum class PduKind {
 
 struct Message {
   PduKind kind = PduKind::Undecodable;
-  std::optional<Address> serviceCentre;
+  std::optional<Address> serviceCentre = {};
   std::uint8_t firstOctet = 0;
   std::uint8_t reference = 0;  // of a Submit or StatusReport
-  Address peer;                // originator, destination, or recipient of the reported message
+  Address peer = {};           // originator, destination, or recipient of the reported message
   std::uint8_t protocolId = 0;
-  std::uint8_t dataCoding = 0;                 // see dataCodingOf()
-  std::optional<TimeStamp> timeStamp;          // of a Deliver or StatusReport, when it makes sense
-  std::optional<std::uint8_t> validity;        // a Submit's relative one
-  std::optional<std::uint8_t> reportStatus;    // of a StatusReport
-  UserData data;                               // as it travelled: can be sent on as it is
-  Content content;                             // what it says; content.text is what to show
-  std::optional<Concatenation> concatenation;  // when it is one of several parts
+  std::uint8_t dataCoding = 0;                      // see dataCodingOf()
+  std::optional<TimeStamp> timeStamp = {};          // of a Deliver or StatusReport, when it makes sense
+  std::optional<std::uint8_t> validity = {};        // a Submit's relative one
+  std::optional<std::uint8_t> reportStatus = {};    // of a StatusReport
+  UserData data = {};                               // as it travelled: can be sent on as it is
+  Content content = {};                             // what it says; content.text is what to show
+  std::optional<Concatenation> concatenation = {};  // when it is one of several parts
   friend bool operator==(const Message&, const Message&) = default;
 };
 

@@ -15,13 +15,13 @@
 namespace phone {
 
 struct Deliver {
-  std::optional<Address> serviceCentre;
-  Address originator;
+  std::optional<Address> serviceCentre = {};
+  Address originator = {};
   std::uint8_t protocolId = 0;
   std::uint8_t dataCoding = 0;
-  TimeStamp timeStamp;
+  TimeStamp timeStamp = {};
   bool moreMessages = false;  // further ones wait at the service centre
-  UserData data;
+  UserData data = {};
 };
 
 EncodedPdu encodeDeliver(const Deliver& deliver);
@@ -31,11 +31,11 @@ std::vector<EncodedPdu> encodeDeliver(const Deliver& like, std::u16string_view t
 
 // SMS-STATUS-REPORT (9.2.2.3): what became of a message that was sent.
 struct StatusReport {
-  std::optional<Address> serviceCentre;
+  std::optional<Address> serviceCentre = {};
   std::uint8_t reference = 0;
-  Address recipient;
-  TimeStamp timeStamp;
-  TimeStamp dischargeTime;
+  Address recipient = {};
+  TimeStamp timeStamp = {};
+  TimeStamp dischargeTime = {};
   std::uint8_t status = 0;  // 00-1F done, 20-3F still trying, 40-7F failed
 };
 

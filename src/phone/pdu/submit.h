@@ -15,15 +15,15 @@ namespace phone {
 
 // The octets behind the service centre: what +CMGS= and +CMGW= announce (3GPP TS 27.005, 4.3).
 struct EncodedPdu {
-  Octets octets;  // service centre included
+  Octets octets = {};  // service centre included
   std::size_t tpduLength = 0;
   friend bool operator==(const EncodedPdu&, const EncodedPdu&) = default;
 };
 
 struct Submit {
-  std::optional<Address> serviceCentre;  // none: the one that the phone has stored
-  Address destination;
-  std::optional<std::chrono::minutes> validity;  // none: the service centre's own
+  std::optional<Address> serviceCentre = {};  // none: the one that the phone has stored
+  Address destination = {};
+  std::optional<std::chrono::minutes> validity = {};  // none: the service centre's own
   bool statusReport = false;
 };
 

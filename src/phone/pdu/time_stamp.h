@@ -18,7 +18,7 @@ struct TimeStamp {
   int minute = 0;
   int second = 0;
   // The local time's distance from UTC in quarters of an hour (-79 to 79), when it makes sense.
-  std::optional<int> quarters;
+  std::optional<int> quarters = {};
   friend bool operator==(const TimeStamp&, const TimeStamp&) = default;
 };
 

@@ -16,15 +16,15 @@ namespace phone {
 struct UserData {
   bool hasHeader = false;   // the first octet's bit 6
   std::uint8_t length = 0;  // septets of 7-bit text (header and fill bits included), octets of everything else
-  Octets octets;            // without the length octet
+  Octets octets = {};       // without the length octet
   friend bool operator==(const UserData&, const UserData&) = default;
 };
 
 // What it says.
 struct Content {
-  UserDataHeader header;
-  std::u16string text;  // to be shown, whatever the coding
-  Octets data;          // of 8-bit and compressed messages
+  UserDataHeader header = {};
+  std::u16string text = {};  // to be shown, whatever the coding
+  Octets data = {};          // of 8-bit and compressed messages
   friend bool operator==(const Content&, const Content&) = default;
 };
 
@@ -41,7 +41,7 @@ UserData writeUserData(const UserDataHeader& header, OctetsView data);
 
 struct EncodedText {
   Alphabet alphabet = Alphabet::Gsm7;
-  std::vector<UserData> parts;  // with a concatenation header when there are several
+  std::vector<UserData> parts = {};  // with a concatenation header when there are several
 };
 
 // Throws TextTooLong.

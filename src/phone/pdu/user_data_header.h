@@ -11,7 +11,7 @@ namespace phone {
 
 struct HeaderElement {
   std::uint8_t id = 0;
-  Octets data;
+  Octets data = {};
   friend bool operator==(const HeaderElement&, const HeaderElement&) = default;
 };
 
@@ -34,7 +34,7 @@ struct Concatenation {
 };
 
 struct UserDataHeader {
-  std::vector<HeaderElement> elements;
+  std::vector<HeaderElement> elements = {};
   bool malformed = false;  // an element ran over the end: then there are none
   friend bool operator==(const UserDataHeader&, const UserDataHeader&) = default;
 };

@@ -32,7 +32,7 @@ Alphabet alphabetFor(std::u16string_view text);
 
 struct Segments {
   Alphabet alphabet = Alphabet::Gsm7;
-  std::vector<std::u16string_view> parts;  // of the text that was given; one, empty, for an empty text
+  std::vector<std::u16string_view> parts = {};  // of the text that was given; one, empty, for an empty text
 };
 
 // Neither a character of two septets nor a surrogate pair is ever cut: a part then holds one unit less. Throws
