@@ -184,7 +184,7 @@ void Dialogue::waitFor(Running& running) {
     sortAll(&running);
     if (running.answer.result || running.prompted) return;
     if (running.awaitsPrompt && reader_.endsWithPrompt()) {
-      reader_.dropPartial();
+      reader_.dropPrompt();
       running.prompted = true;
       return;
     }
@@ -206,6 +206,7 @@ void Dialogue::settle() {
 
 void Dialogue::beginCommand(Running& running) {
   settle();
+  reader_.dropPrompt();
   running.deadline = in(running.command.limit);
   sendLine(running.command.text);
 }
@@ -223,7 +224,6 @@ DataAnswer Dialogue::runWithData(const Command& command, std::string_view data) 
   DataAnswer answer;
   Running running{command, answer};
   running.awaitsPrompt = true;
-  reader_.dropPrompt();
   beginCommand(running);
   running.deadline = in(promptLimit);
   waitFor(running);

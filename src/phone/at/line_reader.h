@@ -22,8 +22,13 @@ class LineReader {
   // True when all that waits is a prompt, which has no line end: "> " or ">" (3GPP TS 27.005, 3.5.1).
   bool endsWithPrompt() const;
 
-  // Forgets a line that has begun: its rest will never come, or it was the prompt.
+  // Forgets a line that has begun and whose rest will never come.
   void dropPartial();
+
+  // The prompt has been seen, or nobody waits for it any more; a line that has begun stays.
+  void dropPrompt() {
+    if (endsWithPrompt()) dropPartial();
+  }
 
  private:
   void endLine();
