@@ -135,6 +135,28 @@ TEST_F(FormColours, TextOnWhite_IsBlackWhateverTheSystemWritesWith) {
   EXPECT_FALSE(has(name, systemText));
 }
 
+// The grey of what cannot be used is the control's own, or the system's.
+TEST_F(FormColours, Answer_ForWhatCannotBeUsed_IsTheGroundAlone) {
+  const HWND dialog = show(*wizard, wizardTitle);
+  next();
+  const HWND number = shown(L"Edit");
+  const HDC dc = GetDC(number);
+  SetTextColor(dc, RGB(1, 2, 3));
+  const auto ask = [&](UINT message) {
+    return reinterpret_cast<HBRUSH>(
+        SendMessageW(dialog, message, reinterpret_cast<WPARAM>(dc), reinterpret_cast<LPARAM>(number)));
+  };
+  EXPECT_EQ(ask(WM_CTLCOLORSTATIC), GetSysColorBrush(COLOR_BTNFACE));
+  EXPECT_EQ(GetBkColor(dc), systemFace);
+  EXPECT_EQ(GetTextColor(dc), RGB(1, 2, 3));
+  wizard->Find(u"chkOwnSCAddress")->userClicks();
+  EXPECT_EQ(ask(WM_CTLCOLOREDIT), GetStockObject(DC_BRUSH));
+  EXPECT_EQ(GetDCBrushColor(dc), white);
+  EXPECT_EQ(GetBkColor(dc), white);
+  EXPECT_EQ(GetTextColor(dc), black);
+  ReleaseDC(number, dc);
+}
+
 TEST_F(FormColours, TextOnTheButtonsColour_IsTheSystems) {
   show(*wizard, wizardTitle);
   next();
