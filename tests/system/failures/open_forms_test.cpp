@@ -46,9 +46,15 @@ class OpenForms : public ProductTest {
   }
   static void cancel(const DialogUser& wizard) { EXPECT_TRUE(wizard.click(L"Cancel")); }
 
-  // Connects the add-in, and comes back when its start-up waits for the wizard.
-  int connectUntilWizard() { return client_->send("connect mrktxtmsg.connect"); }
-  void expectConnected(int connecting) { EXPECT_TRUE(client_->answerTo(connecting, patience).ok); }
+  // Connects the add-in, which waits for the wizard while somebody uses that.
+  void connectWhile(const std::function<void(const DialogUser&)>& use) {
+    const int connecting = client_->send("connect mrktxtmsg.connect");
+    const DialogUser wizard(wizardTitle);
+    ASSERT_TRUE(wizard.isThere());
+    use(wizard);
+    EXPECT_TRUE(wizard.hasGone());
+    EXPECT_TRUE(client_->answerTo(connecting, patience).ok);
+  }
 
   void click(const char* command) { EXPECT_EQ(ask(command).result, "clicked"); }
   void expectEnd() {
@@ -65,34 +71,31 @@ TEST_F(OpenForms, ModalWizard_NothingBesideItAndNothingAfterDisconnecting) {
   startWhile(L"--headless", cancel);
   disconnectAddIn();
   EXPECT_EQ(references(), Lines{});
+  const Lines waiting = connectingLines(Start::ByTheUser);
 
   std::size_t from = mark();
-  int connecting = connectUntilWizard();
-  {
-    const DialogUser wizard(wizardTitle);
-    ASSERT_TRUE(wizard.isThere());
+  connectWhile([this](const DialogUser& wizard) {
     click(newMessage);  // the menus are in place already
     click(about);
     EXPECT_EQ(FindWindowW(L"#32770", aboutTitle), nullptr);
     EXPECT_TRUE(wizard.isThere());
     disconnectAddIn();
-    EXPECT_TRUE(wizard.hasGone());
-  }
-  expectConnected(connecting);
+  });
   EXPECT_EQ(references(), Lines{});
   const std::string error401 = "Error:401, Can't show non-modal form when modal form is displayed, mrktxtmsg";
-  const Lines expected =
-      connectingLines(Start::ByTheUser) + Lines{error401, error401} + disconnectedByUserLines() + startGivenUp;
-  EXPECT_EQ(traced(from), expected);
+  EXPECT_EQ(traced(from), waiting + Lines(2, error401) + disconnectedByUserLines() + startGivenUp);
 
   from = mark();
-  connectUntilWizard();
-  const DialogUser wizard(wizardTitle);
-  ASSERT_TRUE(wizard.isThere());
-  client_->send("quit");
-  EXPECT_TRUE(wizard.hasGone());
+  connectWhile([this](const DialogUser&) { EXPECT_TRUE(ask("explorer close").ok); });  // the last window
+  EXPECT_EQ(traced(from), waiting + buttonsRemoved + startGivenUp);
+  disconnectAddIn();
+  EXPECT_EQ(references(), Lines{});
+
+  EXPECT_TRUE(ask("explorer open").ok);
+  from = mark();
+  connectWhile([this](const DialogUser&) { client_->send("quit"); });
   expectEnd();
-  EXPECT_EQ(traced(from), connectingLines(Start::ByTheUser) + mailClientEnds + startGivenUp);
+  EXPECT_EQ(traced(from), waiting + mailClientEnds + startGivenUp);
 }
 
 TEST_F(OpenForms, ModalWizard_WindowOfTheMailClientClosed_EndsIt) {
@@ -125,9 +128,7 @@ TEST_F(OpenForms, ModelessWizardAndAboutBox_GoWithTheAddInAndNothingGoesOn) {
   EXPECT_EQ(trace_->count("Error:"), noLocalizer.size() * 2) << "one for the buttons, one for the engine";
 
   const std::size_t from = mark();
-  const int connecting = connectUntilWizard();
-  cancel(DialogUser(wizardTitle));
-  expectConnected(connecting);
+  connectWhile(cancel);
   click(newMessage);
   click(about);
   const DialogUser wizard(wizardTitle);
