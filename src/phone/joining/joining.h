@@ -1,0 +1,87 @@
+// The messages on a phone, long ones joined from their parts (3GPP TS 23.040, 9.2.3.24.1 and 9.2.3.24.8).
+//
+// Parts arrive in any order, in either memory, several times or never, and references are used again. The rules:
+//
+// * Parts belong together when kind, sender, reference, its width and the total are the same. When that leaves a choice
+//   (the reference was used again), those nearest in time belong together, and never any that are a day apart.
+// * A complete message is there at once. An incomplete one waits until its newest part was first seen ten minutes ago,
+//   and is then there as it stands, the gap marked in its text.
+// * What was handed over stays as it was: a part that comes later makes a message of its own, and one that was handed
+//   over before (networks repeat deliveries) is not shown again.
+// * A received message that lies in several slots with every octet the same is one message. (Two memories may be one
+//   under two names, and phones store a delivery twice.)
+// * Deleting a message deletes all its slots, and nothing is deleted that was not handed over whole.
+//
+// Nothing here is kept beyond the object's life: after a restart the parts are still on the phone and are joined anew.
+#pragma once
+
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "phone/joining/stored.h"
+#include "phone/pdu/decode.h"
+
+namespace phone {
+
+// A message of one slot or several.
+struct JoinedMessage {
+  Slot handle;                             // stands for the message: the slot of its first part
+  std::vector<Slot> slots = {};            // all, duplicates included, in the order of deletion: the handle goes last
+  Status status = Status::ReceivedUnread;  // unread when any part is unread and the message was not handed over yet
+  PduKind kind = PduKind::Undecodable;     // never a status report: those are skipped
+  std::optional<Address> serviceCentre = {};
+  Address peer = {};
+  std::optional<TimeStamp> timeStamp = {};  // of the first part that has one
+  std::u16string text = {};
+  bool complete = true;
+  bool handedOver = false;
+  friend bool operator==(const JoinedMessage&, const JoinedMessage&) = default;
+};
+
+class Joining {
+ public:
+  using Instant = std::chrono::steady_clock::time_point;  // of the caller's clock
+
+  static constexpr std::chrono::minutes patience{10};
+
+  Joining();
+  ~Joining();
+  Joining(Joining&&) noexcept;
+  Joining& operator=(Joining&&) noexcept;
+
+  // The whole present content of one memory. What is in a slot with the same PDU as before keeps its age, and stays
+  // unread although reading it has made it read on the phone. An index listed twice counts once (the last).
+  void update(Memory memory, std::span<const StoredPdu> listing, Instant now);
+
+  // All messages that can be handed over, in the order of their handles; those of a deletion that is under way are not
+  // among them.
+  std::vector<JoinedMessage> messages(Instant now) const;
+
+  // When the next incomplete message's time is up, if one waits.
+  std::optional<Instant> nextDue(Instant now) const;
+
+  // The message with that slot (any of its slots) was handed over, and is read from then on. One that still waits
+  // cannot be.
+  void handedOver(Slot slot, Instant now);
+
+  // The slots to delete, in this order, when the message with that slot is to go. Empty when there is none or when it
+  // was not handed over.
+  std::vector<Slot> slotsToDelete(Slot slot) const;
+
+  // The phone has confirmed that this slot is deleted. From then on the message's other slots are leftovers.
+  void deleted(Slot slot);
+
+  // Slots that should be deleted as soon as the phone can: the rest of a deletion that failed half-way, and repeated
+  // deliveries of parts that were handed over already.
+  std::vector<Slot> leftovers(Instant now) const;
+
+ private:
+  class State;
+  std::unique_ptr<State> state_;
+};
+
+}  // namespace phone

@@ -1,0 +1,32 @@
+// The GSM 7-bit default alphabet and its extension table (3GPP TS 23.038, 6.2.1).
+//
+// National language tables replace these when a message's header says so (3GPP TS 23.040, 9.2.3.24.15 and 16). Such a
+// message is shown with the tables of this file: most of its characters are the same in all of them.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include "phone/text/octets.h"
+
+namespace phone {
+
+inline constexpr std::uint8_t escapeSeptet = 0x1B;
+
+// How many septets a character takes: 1, or 2 when it is of the extension table, or 0 when the alphabet lacks it.
+std::size_t septetsOf(char16_t character);
+
+// The number of septets of a text (unpacked, without a header), characters that the alphabet lacks not counted.
+std::size_t septetCount(std::u16string_view text);
+
+bool fitsGsmAlphabet(std::u16string_view text);
+
+// A character that the alphabet lacks becomes a question mark: callers ask fitsGsmAlphabet() first.
+Septets toSeptets(std::u16string_view text);
+
+// Any sequence of septets is text: after an escape, a code that the extension table lacks stands for its character in
+// the main table, and a second escape is a blank. An escape at the very end is a blank too.
+std::u16string fromSeptets(SeptetsView septets);
+
+}  // namespace phone
