@@ -49,8 +49,9 @@ HBRUSH FormWindow::colourFor(HDC dc, HWND window) const {
   if (!face || face->control->Kind() == ControlKind::Button) return nullptr;
   const platform::Color color = face->control->BackColor();
   SetBkColor(dc, colorOf(color));
-  // A form's own white wants black text, whatever the system writes with; a disabled control keeps the system's grey.
-  if (color == platform::colorWhite && IsWindowEnabled(window)) SetTextColor(dc, black);
+  // A form's own white wants black text, whatever the system writes with, and the system's colour wants the system's:
+  // the context comes with black. A disabled control keeps its grey.
+  if (IsWindowEnabled(window)) SetTextColor(dc, color == platform::colorWhite ? black : GetSysColor(COLOR_BTNTEXT));
   return brushOf(dc, color);
 }
 

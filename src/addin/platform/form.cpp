@@ -157,7 +157,10 @@ Control* Form::Find(StringView name) const {
 
 bool Form::Show(FormModality modality) {
   if (modality == FormModality::Modeless && modalForms > 0) raiseError(401);
-  if (modality == FormModality::Modeless && loading_) return true;  // it is about to be shown
+  if (loading_) {
+    if (modality == FormModality::Modeless) return true;  // it is about to be shown
+    raiseError(400);  // waiting for it would keep the loading, below on the stack, from coming to its end
+  }
   const Ref<Form> self(this);         // who holds the form may let go of it while it is open
   const ModalForm counted(modality);  // from before it is loaded: loading may serve messages
   try {

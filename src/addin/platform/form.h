@@ -136,7 +136,8 @@ class Form : public Counted {
 
   // Loads the form when it is not loaded, and shows it or brings it to the front. A modal one is waited for until it
   // has been unloaded; false when a quit message ended the wait. Error 401 for a modeless one while a modal one is
-  // being loaded or open, on this thread. Nothing for a modeless one that is being loaded: that ends in showing it.
+  // being loaded or open, on this thread. While this form is being loaded, which ends in showing it: nothing when it
+  // need not be waited for, error 400 when it should.
   bool Show(FormModality modality);
   // Takes the form from the screen and ends it. Nothing when it is not loaded.
   void Unload();

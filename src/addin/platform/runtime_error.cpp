@@ -27,6 +27,7 @@ constexpr std::array entries{
     Entry{94, u"Invalid use of Null"},
     Entry{380, u"Invalid property value"},
     Entry{381, u"Invalid property array index"},
+    Entry{400, u"Form already displayed; can't show modally"},
     Entry{401, u"Can't show non-modal form when modal form is displayed"},
     Entry{424, u"Object required"},
     Entry{429, u"ActiveX component can't create object"},

@@ -1,6 +1,7 @@
 // The setup wizard of the real add-in: shown inside OnConnection, used by somebody at the screen, with the registry's
 // bytes afterwards.
 
+#include <algorithm>
 #include <fstream>
 #include <functional>
 
@@ -8,6 +9,7 @@
 #include "support/text.h"
 #include "support/win32/dialog_user.h"
 #include "support/win32/product.h"
+#include "support/win32/registry_listing.h"
 #include "unit/win32_system/test_window.h"
 
 namespace addin_dll_tests {
@@ -224,33 +226,98 @@ TEST_F(Wizard, LettersInTheNumberFields_NeverAppear) {
   });
 }
 
-TEST_F(Wizard, CancelOnEachPage_StoresNothing) {
+TEST_F(Wizard, LeftOnAnyPage_ByCancelOrByItsMenu_StoresNothing) {
+  testing_support::setOption(L"My_PhoneNo", L"+46");
   for (int page = 1; page <= 4; ++page) {
+    for (const bool byMenu : {false, true}) {
+      connectWhile([&](const DialogUser& dialog) {
+        for (int at = 1; at < page; ++at) EXPECT_TRUE(dialog.click(L"Next >"));
+        if (byMenu)
+          dialog.closeByMenu();
+        else
+          EXPECT_TRUE(dialog.click(L"Cancel"));
+        EXPECT_TRUE(dialog.hasGone());
+      });
+      EXPECT_EQ(testing_support::listed(HKEY_CURRENT_USER, optionsKey), Lines{"|My_PhoneNo|+46"}) << page << byMenu;
+    }
+  }
+}
+
+// Of every type that a setting cannot have.
+TEST_F(Wizard, ValuesOfOtherTypes_CountAsMissingAndAreWrittenAnew) {
+  const auto bytes = [](std::initializer_list<unsigned char> values) {
+    std::vector<std::byte> data;
+    for (const unsigned char value : values) data.push_back(std::byte{value});
+    return data;
+  };
+  using testing_support::setOption;
+  setOption(L"SCAddress", REG_MULTI_SZ, bytes({'N', 0, 0, 0, 0, 0}));
+  setOption(L"SCAddress_Own", REG_BINARY, bytes({'(', 0, '7', 0, ')', 0, 0, 0}));
+  setOption(L"SCAddress_UseOwn", REG_QWORD, bytes({1, 0, 0, 0, 0, 0, 0, 0}));
+  setOption(L"SendReceive_UseAuto", REG_EXPAND_SZ, bytes({'0', 0, 0, 0}));
+  setOption(L"SendReceive_AutoIntervall", REG_BINARY, bytes({9, 0, 0, 0}));
+  setOption(L"SendReceive_AutoRemove", REG_DWORD_BIG_ENDIAN, bytes({0, 0, 0, 1}));
+  setOption(L"My_FullName", REG_NONE, {});
+  setOption(L"My_PhoneNo", REG_LINK, bytes({'7', 0, 0, 0}));
+  connectWhile([](const DialogUser& dialog) {
+    EXPECT_TRUE(dialog.click(L"Next >"));
+    EXPECT_EQ(SendMessageW(dialog.list(), CB_GETCURSEL, 0, 0), 1);
+    EXPECT_FALSE(DialogUser::isTicked(dialog.button(ownNumber)));
+    EXPECT_EQ(DialogUser::textOf(dialog.edit()), L"");
+    EXPECT_TRUE(dialog.click(L"Next >"));
+    EXPECT_TRUE(DialogUser::isTicked(dialog.button(polling)));
+    EXPECT_EQ(DialogUser::textOf(dialog.edit()), L"2");
+    EXPECT_FALSE(DialogUser::isTicked(dialog.button(removing)));
+    EXPECT_TRUE(dialog.click(L"Next >"));
+    EXPECT_EQ(DialogUser::textOf(dialog.edit(0)), L"Registered Owner");
+    EXPECT_EQ(DialogUser::textOf(dialog.edit(1)), L"");
+    fillLastPage(dialog);
+    const HWND finish = dialog.button(L"Finish");
+    PostMessageW(finish, BM_CLICK, 0, 0);  // pressed twice
+    PostMessageW(finish, BM_CLICK, 0, 0);
+    EXPECT_TRUE(dialog.hasGone());
+  });
+  EXPECT_EQ(testing_support::listed(HKEY_CURRENT_USER, optionsKey).size(), 9u);
+  EXPECT_EQ(stored(L"SCAddress"), "1:As stored on the SIM card ()");
+  EXPECT_EQ(stored(L"SCAddress_Own"), "1:()");
+  EXPECT_EQ(stored(L"SCAddress_UseOwn"), "4:00000000");
+  EXPECT_EQ(stored(L"SendReceive_UseAuto"), "4:01000000");
+  EXPECT_EQ(stored(L"SendReceive_AutoIntervall"), "4:02000000");
+  EXPECT_EQ(stored(L"SendReceive_AutoRemove"), "4:00000000");
+  EXPECT_EQ(stored(L"My_FullName"), "1:Registered Owner");
+  EXPECT_EQ(stored(L"My_PhoneNo"), "1:+4670");
+  EXPECT_EQ(stored(L"WizardDone"), "4:01000000");
+}
+
+TEST_F(Wizard, ListThatIsNoList_OpensInTimeWithWhatCanBeRead) {
+  const auto entries = [this](int expected) {
+    const std::uint32_t start = testing_support::ticksNow();
     connectWhile([&](const DialogUser& dialog) {
-      for (int at = 1; at < page; ++at) EXPECT_TRUE(dialog.click(L"Next >"));
-      EXPECT_TRUE(dialog.click(L"Cancel"));
-      EXPECT_TRUE(dialog.hasGone());
-    });
-    for (const wchar_t* name : {L"SCAddress", L"SCAddress_Own", L"My_FullName", L"WizardDone"})
-      EXPECT_EQ(stored(name), "none") << page;
-  }
-}
-
-TEST_F(Wizard, ClosedByItsMenu_StoresNothing) {
-  connectWhile([](const DialogUser& dialog) { dialog.closeByMenu(); });
-  EXPECT_EQ(stored(L"WizardDone"), "none");
-}
-
-TEST_F(Wizard, ListThatIsNoList_StillOpens) {
-  std::string binary(300'000, '\0');
-  for (std::size_t i = 0; i < binary.size(); ++i) binary[i] = static_cast<char>(i * 7 % 256);
-  for (const std::string& text : {std::string(), binary, std::string(10u << 20, 'x')}) {
-    writeList(text);
-    connectWhile([](const DialogUser& dialog) {
       EXPECT_TRUE(dialog.click(L"Next >"));
+      EXPECT_TRUE(waitUntil([&] { return dialog.list() != nullptr; }));
+      EXPECT_EQ(SendMessageW(dialog.list(), CB_GETCOUNT, 0, 0), expected);
+      EXPECT_EQ(IsWindowEnabled(dialog.list()) != FALSE, expected > 0);
       EXPECT_TRUE(dialog.click(L"Cancel"));
     });
-  }
+    EXPECT_LT(testing_support::ticksNow() - start, 10000u);
+  };
+  writeList("");
+  entries(0);
+  DeleteFileW(listFile_.c_str());
+  entries(0);
+  listPath_.set("C:\\windows");  // a folder
+  entries(0);
+  listPath_.set("");
+  entries(0);
+
+  std::string binary(300'000, '\0');
+  for (std::size_t i = 0; i < binary.size(); ++i) binary[i] = static_cast<char>(i * 7 % 256);  // every value in turn
+  std::replace(binary.begin(), binary.end(), '\x1A', '\0');                                    // not the end
+  const auto isEnd = [](char c) { return c == ',' || c == '\r' || c == '\n'; };
+  writeList(binary);
+  entries(static_cast<int>(std::count_if(binary.begin(), binary.end(), isEnd)) + 1);
+  writeList(std::string(10u << 20, 'x'));  // without a line end
+  entries(1);
 }
 
 TEST_F(Wizard, MailClientDisconnectsWhileItIsOpen_NothingIsStartedAndNothingIsLeft) {

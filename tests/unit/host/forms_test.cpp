@@ -268,6 +268,26 @@ TEST_F(Forms, AboutClick_Failing_IsLoggedOnce) {
   EXPECT_EQ(newTrace(), (Lines{"Error:7, Out of memory, mrktxtmsg"}));
 }
 
+// Clicks --------------------------------------------------------------------------------------------------------------
+
+TEST_F(Forms, EveryClick_LeavesItsDefaultAsItWas) {
+  start();
+  for (const bool fails : {false, true}) {
+    if (fails) {
+      explorer->fails(u"CurrentFolder", RuntimeError(70, u"Outlook", u"Permission denied"));
+      system.ui.windowsCannotBeMade = system.shell.helpViewerIsMissing = true;
+    }
+    for (const char* tag :
+         {"New Text Message", "Send & Receive Text Message", "About Text Message Add-In", "Text Message Add-In Help"})
+      for (const bool before : {false, true}) {
+        bool cancel = before;
+        button(tag).fire(office::CommandBarButtonEvents::Click, button(tag).object(), cancel);
+        EXPECT_EQ(cancel, before) << tag;
+      }
+    system.ui.closeAll();
+  }
+}
+
 // The end -------------------------------------------------------------------------------------------------------------
 
 TEST_F(Forms, UnInitHandler_ClosesWhatIsOpenLast) {

@@ -25,6 +25,7 @@ TEST(RuntimeError, StandardTexts) {
       {53, u"File not found"},
       {91, u"Object variable or With block variable not set"},
       {94, u"Invalid use of Null"},
+      {400, u"Form already displayed; can't show modally"},
       {401, u"Can't show non-modal form when modal form is displayed"},
       {424, u"Object required"},
       {429, u"ActiveX component can't create object"},

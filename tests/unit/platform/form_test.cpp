@@ -269,6 +269,22 @@ TEST_F(FormTest, Show_ModelessWhileAModalOneLoads_IsError401) {
   EXPECT_EQ(system.ui.shown.size(), 2u);
 }
 
+// It would be seen half loaded, and its loading would not go on before it is closed.
+TEST_F(FormTest, Show_ModalWhileItLoads_IsError400AndTheFirstOneShowsIt) {
+  for (const FormModality first : {FormModality::Modeless, FormModality::Modal}) {
+    system.ui.shown.clear();
+    form->whenLoading = [&] {
+      EXPECT_EQ(errorNumberOf([&] { form->Show(FormModality::Modal); }), 400);
+      EXPECT_TRUE(form->IsLoaded());
+      EXPECT_TRUE(system.ui.shown.empty());
+    };
+    system.ui.whenShown = [](ScriptedView& view) { view.close(); };
+    EXPECT_TRUE(form->Show(first));
+    EXPECT_EQ(system.ui.shown, (std::vector<NativeUserInterface::Shown>{{u"frmSample", first}}));
+  }
+  EXPECT_EQ(form->loads, 2);
+}
+
 TEST_F(FormTest, Show_UnloadedWhileItLoads_CanBeShownAtOnce) {
   int loads = 0;
   form->whenLoading = [&] {

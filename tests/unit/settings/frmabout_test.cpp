@@ -92,6 +92,13 @@ TEST_F(About, VersionThatCannotBeRead_LeavesTheLineOfTheDesign) {
   EXPECT_EQ(captions(open()), (Lines{"L307", "L101", "L101", "Version 1.0.0", "L310", "L416"}));
 }
 
+TEST_F(About, Controls_AreABannerThreeLinesOfTextAndAButton) {
+  Lines names;
+  for (const Control* control : about->Controls()) names.push_back(utf8(control->Name()));
+  EXPECT_EQ(names, (Lines{"frameTop", "lblTopTitle", "lineTop", "lblTitle", "lblVersion", "lblCopyright",
+                          "lineCopyright", "cmdOK"}));
+}
+
 TEST_F(About, OkClick_UnloadsIt) {
   for (const bool localized : {false, true}) {
     if (localized) provideLocalizer();

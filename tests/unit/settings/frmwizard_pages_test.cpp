@@ -1,5 +1,7 @@
 // The wizard's texts, its pages and the way through them.
 
+#include <map>
+
 #include "unit/settings/frmwizard_fixture.h"
 
 namespace addin {
@@ -149,6 +151,29 @@ TEST_F(WizardTexts, FieldsWithoutALabel_AreNamedForScreenReaders) {
   ScriptedView& view = open();
   EXPECT_EQ(utf8(view.control("txtOwnSCAddress").accessibleName), "L403");
   EXPECT_EQ(utf8(view.control("txtPollIntervall").accessibleName), "L405 L407");
+}
+
+// Controls ------------------------------------------------------------------------------------------------------------
+
+// Each with what it lies in, in the order of the Tab key.
+TEST_F(WizardPages, Controls_AreThoseOfTheirPages) {
+  open();
+  std::map<std::string, Lines> found;
+  for (const Control* control : wizard->Controls()) {
+    const Control* const page = control->Container();
+    found[page ? utf8(page->Name()) : ""].push_back(utf8(control->Name()));
+  }
+  const std::map<std::string, Lines> expected{
+      {"",
+       {"frameTop", "lineTop", "imgWizard1", "imgWizard2", "imgWizard3", "imgWizard4", "pageWelcome",
+        "pageServiceCentre", "pageSendReceive", "pageUserInformation", "linePicture", "btnBack", "btnNext", "btnCancel",
+        "btnHelp"}},
+      {"frameTop", {"lblTitle"}},
+      {"pageWelcome", {"lblWelcome"}},
+      {"pageServiceCentre", {"lblServiceCentre", "cboSCAddress", "chkOwnSCAddress", "txtOwnSCAddress"}},
+      {"pageSendReceive", {"lblSendAndReceive", "chkAutoPoll", "txtPollIntervall", "lblMinutes", "chkAutoRemove"}},
+      {"pageUserInformation", {"lblPersonalize", "lblName", "txtName", "lblPhoneNo", "txtPhoneNo"}}};
+  EXPECT_EQ(found, expected);
 }
 
 // Layout --------------------------------------------------------------------------------------------------------------
@@ -365,6 +390,8 @@ TEST_F(WizardPages, OwnNumberBox_SwitchesBetweenListAndField) {
   EXPECT_EQ(view.control("cboSCAddress").BackColor(), colorWhite);
   EXPECT_FALSE(view.enabled("txtOwnSCAddress"));
   EXPECT_TRUE(view.enabled("btnNext"));
+  view.click("chkOwnSCAddress").type("txtOwnSCAddress", u"+1").click("chkOwnSCAddress").click("chkOwnSCAddress");
+  EXPECT_TRUE(view.enabled("btnNext"));  // there is a number this time
 }
 
 TEST_F(WizardPages, PollingBox_SwitchesTheInterval) {
@@ -386,6 +413,16 @@ TEST_F(WizardPages, PollingBox_SwitchesTheInterval) {
 TEST_F(WizardPages, ThirdPage_PollingOffAndIntervalEmpty_LetsGoOn) {
   ScriptedView& view = openPage(3);
   view.erase("txtPollIntervall").click("chkAutoPoll").click("btnNext").click("btnBack");
+  EXPECT_TRUE(view.enabled("btnNext"));
+}
+
+TEST_F(WizardPages, ThirdPage_PollingOnAndIntervalEmpty_WantsIt) {
+  setOption("SendReceive_AutoIntervall", "soon");
+  ScriptedView& view = openPage(2);
+  EXPECT_TRUE(view.enabled("btnNext"));
+  view.click("btnNext");
+  EXPECT_FALSE(view.enabled("btnNext"));
+  view.type("txtPollIntervall", u"5");
   EXPECT_TRUE(view.enabled("btnNext"));
 }
 

@@ -105,5 +105,20 @@ TEST_F(FormUnloaded, ShownAgainWhileItsWindowsAreMade_HasOneDialog) {
   expectNothingLeft();
 }
 
+TEST_F(FormUnloaded, ShownModallyWhileItsWindowsAreMade_IsWaitedForAndHasOneDialog) {
+  const WhenWindowIsMade show([&] {
+    const Thread user([] {
+      const DialogUser dialog(wizardTitle);
+      EXPECT_TRUE(dialog.isThere());
+      EXPECT_EQ(dialogs(), 1u);
+      dialog.closeByMenu();
+    });
+    EXPECT_TRUE(wizard->Show(FormModality::Modal));
+  });
+  EXPECT_TRUE(wizard->Show(FormModality::Modeless));
+  EXPECT_TRUE(WhenWindowIsMade::hasHappened());
+  expectNothingLeft();
+}
+
 }  // namespace
 }  // namespace win32_tests
