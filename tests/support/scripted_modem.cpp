@@ -37,7 +37,7 @@ ScriptedModem::ScriptedModem(const std::string& script) { load(script); }
 
 void ScriptedModem::load(const std::string& script) {
   std::istringstream lines(script);
-  std::map<std::string, std::deque<Steps>> events;
+  Events events;
   Steps* steps = nullptr;
   for (std::string line; std::getline(lines, line);) {
     const std::size_t begin = line.find_first_not_of(' ');
@@ -58,7 +58,7 @@ void ScriptedModem::load(const std::string& script) {
       option(verb, argument);
     }
   }
-  for (auto& [event, turns] : events) events_[event] = std::move(turns);
+  layers_.insert(layers_.begin(), std::move(events));
 }
 
 void ScriptedModem::option(const std::string& verb, const std::string& argument) {
@@ -97,7 +97,7 @@ void ScriptedModem::hear(char c) {
     takesMessage_ = false;
     heard.push_back(c == '\x1A' ? "message " + input_ : "escape");
     input_.clear();
-    if (const Steps* const steps = stepsFor(heard.back())) act(*steps, std::max(now_, busyUntil_));
+    if (const auto steps = stepsFor(heard.back())) act(*steps, std::max(now_, busyUntil_));
   } else if (takesMessage_) {
     input_ += c;
   } else if (c == '\x1B') {
@@ -112,29 +112,38 @@ void ScriptedModem::hear(char c) {
 void ScriptedModem::command(const std::string& text) {
   heard.push_back(text);
   if (text == "ATE0" && echoSwitches_) echoes_ = false;
-  const Steps* const steps = stepsFor(text);
+  if (text.starts_with("AT+CPMS=\"")) memory_ = text.substr(9, 2);
+  auto steps = stepsFor(memory_ + ": " + text);
+  if (!steps) steps = stepsFor(text);
   static const Steps ok{{"say", "OK"}};
   static const Steps error{{"say", "ERROR"}};
   act(steps ? *steps : text == "AT" ? ok : error, std::max(now_, busyUntil_));
 }
 
-const ScriptedModem::Steps* ScriptedModem::stepsFor(const std::string& event) {
+std::deque<ScriptedModem::Steps>* ScriptedModem::bestMatch(Events& events, const std::string& event) {
   std::deque<Steps>* best = nullptr;
   std::size_t length = 0;
-  for (auto& [pattern, turns] : events_) {
+  for (auto& [pattern, turns] : events) {
     const bool open = !pattern.empty() && pattern.back() == '*';
     const std::string fixed = pattern.substr(0, pattern.size() - (open ? 1 : 0));
     const bool matches = open ? event.starts_with(fixed) : event == pattern;
-    if (!matches || (best && fixed.size() + (open ? 0 : 1) <= length)) continue;
+    const std::size_t closeness = fixed.size() + (open ? 1 : 2);
+    if (!matches || closeness <= length) continue;
     best = &turns;
-    length = fixed.size() + (open ? 0 : 1);
+    length = closeness;
   }
-  if (!best) return nullptr;
-  static Steps taken;
-  if (best->size() == 1) return &best->front();
-  taken = std::move(best->front());
-  best->pop_front();
-  return &taken;
+  return best;
+}
+
+std::optional<ScriptedModem::Steps> ScriptedModem::stepsFor(const std::string& event) {
+  for (Events& events : layers_) {
+    std::deque<Steps>* const turns = bestMatch(events, event);
+    if (!turns) continue;
+    Steps steps = turns->front();
+    if (turns->size() > 1) turns->pop_front();
+    return steps;
+  }
+  return std::nullopt;
 }
 
 void ScriptedModem::act(const Steps& steps, Instant when) {
@@ -152,6 +161,7 @@ void ScriptedModem::act(const Steps& steps, Instant when) {
       outputs_.push_back({when, {}, true});
     } else {
       outputs_.clear();
+      memory_.clear();
       echoes_ = true;
       takesMessage_ = false;
     }

@@ -15,6 +15,7 @@
 //     prompt ><SP>           these octets, then a message is expected, to its SUB
 //     lose                   the line breaks
 //     begin                  the modem begins anew: it echoes again, and whatever it had to say is forgotten
+//   on SM: AT+CMGL=*         only while that memory is the one chosen by AT+CPMS="SM"...; comes before the others
 //   on message *             when it has a message: the same
 //   on escape                when ESC ended it
 //
@@ -24,6 +25,7 @@
 
 #include <deque>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -67,11 +69,14 @@ class ScriptedModem final : public phone::Line, public phone::Clock {
   void hear(char c);
   void command(const std::string& text);
   void act(const Steps& steps, phone::Instant when);
-  const Steps* stepsFor(const std::string& event);
+  std::optional<Steps> stepsFor(const std::string& event);
   std::string framed(std::string_view line) const;
   void put(std::string_view octets, phone::Instant when);
 
-  std::map<std::string, std::deque<Steps>> events_;
+  using Events = std::map<std::string, std::deque<Steps>>;
+  static std::deque<Steps>* bestMatch(Events& events, const std::string& event);
+
+  std::vector<Events> layers_;  // what a file is like comes behind what it says itself
   std::vector<std::pair<phone::Instant, Steps>> timed_;
   bool echoes_ = true;
   bool echoSwitches_ = true;
@@ -84,6 +89,7 @@ class ScriptedModem final : public phone::Line, public phone::Clock {
   phone::Instant begin_ = now_;
   std::deque<Output> outputs_;
   std::string input_;
+  std::string memory_;
   bool takesMessage_ = false;
   bool woken_ = false;
   bool lost_ = false;

@@ -165,7 +165,7 @@ std::optional<Result> parseResult(std::string_view line) {
 }
 
 bool isBusy(const Result& result) noexcept {
-  for (const int code : {301, 314, 320, 500, 512, 515})
+  for (const int code : {301, 314, 512, 515})
     if (result.isCms(code)) return true;
   return result.isCme(14);
 }

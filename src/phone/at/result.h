@@ -27,7 +27,8 @@ inline constexpr int unknownWords = -1;
 // they can only be the end of somebody else's call.
 std::optional<Result> parseResult(std::string_view line);
 
-// Nothing is wrong but the moment: the SIM or the modem is still busy with itself.
+// Nothing is wrong but the moment: the SIM or the modem is still busy with itself. 500, "unknown", is not among them:
+// it is what some modems say of an empty slot.
 bool isBusy(const Result& result) noexcept;
 
 }  // namespace phone::at
