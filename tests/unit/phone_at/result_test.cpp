@@ -60,7 +60,8 @@ TEST(AtResult, AnythingElse_IsNone) {
 
 TEST(AtResult, BusyErrors_AreThoseThatPass) {
   for (const int code : {301, 314, 512, 515}) EXPECT_TRUE(isBusy({Kind::CmsError, code, {}})) << code;
-  for (const int code : {14, 30, 304, 310, 320, 321, 330, 500}) EXPECT_FALSE(isBusy({Kind::CmsError, code, {}})) << code;
+  for (const int code : {14, 30, 304, 310, 320, 321, 330, 500})
+    EXPECT_FALSE(isBusy({Kind::CmsError, code, {}})) << code;
   EXPECT_TRUE(isBusy({Kind::CmeError, 14, {}}));
   EXPECT_FALSE(isBusy({Kind::CmeError, 10, {}}));
   EXPECT_FALSE(isBusy({Kind::Error, 0, {}}));
