@@ -10,7 +10,7 @@
 //   over before (networks repeat deliveries) is not shown again.
 // * A received message that lies in several slots with every octet the same is one message. (Two memories may be one
 //   under two names, and phones store a delivery twice.)
-// * Deleting a message deletes all its slots, and nothing is deleted that was not handed over whole.
+// * Deleting a message deletes all its slots, and no part of a long one is deleted before all of it was handed over.
 //
 // Nothing here is kept beyond the object's life: after a restart the parts are still on the phone and are joined anew.
 #pragma once
@@ -68,8 +68,8 @@ class Joining {
   // cannot be.
   void handedOver(Slot slot, Instant now);
 
-  // The slots to delete, in this order, when the message with that slot is to go. Empty when there is none or when it
-  // was not handed over.
+  // The slots to delete, in this order, when the message with that slot is to go; of a deletion that was begun, those
+  // that are left. Empty when there is no message or when it is a long one that was not handed over.
   std::vector<Slot> slotsToDelete(Slot slot) const;
 
   // The phone has confirmed that this slot is deleted. From then on the message's other slots are leftovers.
