@@ -168,14 +168,19 @@ class HandedOver {
 
 void groupLongOnes(const Parts& parts, std::vector<Group>& groups) {
   HandedOver handedOver;
-  Parts open;
+  Parts fresh;
+  Parts repeated;
   for (Part* part : parts)
     if (part->handedOver != 0) handedOver.add(part);
   for (Part* part : parts)
-    if (part->handedOver == 0 && !handedOver.takeTwin(part)) open.push_back(part);
-  for (Parts& cluster : Clusters(open).joined()) {
-    if (!groupOf(cluster).complete) std::erase_if(cluster, [&](Part* part) { return handedOver.takeRepetition(part); });
-    if (!cluster.empty()) groups.push_back(groupOf(std::move(cluster)));
+    if (part->handedOver == 0 && !handedOver.takeTwin(part)) (part->repeated ? repeated : fresh).push_back(part);
+  // What comes again after its message is gone completes nobody else's.
+  for (const Parts& open : {fresh, repeated}) {
+    for (Parts& cluster : Clusters(open).joined()) {
+      if (!groupOf(cluster).complete)
+        std::erase_if(cluster, [&](Part* part) { return handedOver.takeRepetition(part); });
+      if (!cluster.empty()) groups.push_back(groupOf(std::move(cluster)));
+    }
   }
   handedOver.moveTo(groups);
 }
