@@ -153,7 +153,7 @@ class Joining::State {
       part.message = decodePdu(std::string_view(stored.pdu));
       part.firstSeen = now;
       part.sequence = ++sightings_;
-      part.repeated = gone_.contains(part.pdu);
+      if (const auto gone = gone_.find(part.pdu); gone != gone_.end()) part.repeated = gone->second;
     }
     part.status = stored.status;
     if (stored.status == Status::ReceivedUnread && part.handedOver == 0) part.unread = true;
@@ -206,11 +206,11 @@ class Joining::State {
   // Parts of a long message that came again after it was handed over and deleted, and not as a whole.
   static bool isRepeatedFragment(const Group& group) {
     return !isGoing(group) && !group.complete && group.handedOver == 0 &&
-           std::ranges::all_of(group.parts, &Part::repeated);
+           std::ranges::all_of(group.parts, [](const Part* part) { return part->repeated != 0; });
   }
 
   void remember(const std::string& pdu) {
-    if (!gone_.insert(pdu).second) return;
+    if (!gone_.insert_or_assign(pdu, deletions_).second) return;
     inOrder_.push_back(pdu);
     if (inOrder_.size() <= rememberedParts) return;
     gone_.erase(inOrder_.front());
@@ -220,9 +220,9 @@ class Joining::State {
   std::map<Slot, Part> parts_;
   std::vector<Group> groups_;  // of parts_
   std::map<Slot, Group*> groupBySlot_;
-  std::set<Slot> known_;  // where messages were handed over from and not deleted
-  std::set<std::string> gone_;
-  std::deque<std::string> inOrder_;  // gone_, the oldest first
+  std::set<Slot> known_;                       // where messages were handed over from and not deleted
+  std::map<std::string, std::uint64_t> gone_;  // by deletion
+  std::deque<std::string> inOrder_;            // gone_, the oldest first
   std::uint64_t sightings_ = 0;
   std::uint64_t handOvers_ = 0;
   std::uint64_t deletions_ = 0;

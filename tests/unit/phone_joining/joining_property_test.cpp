@@ -22,7 +22,7 @@ TEST_F(JoiningPropertyTest, SplitTexts_AreJoinedInAnyOrder) {
   constexpr std::u16string_view narrow = u"abc @£€[]{}~^|\\\r\nØå";
   constexpr char16_t wide[] = {u'a', u'Ж', u'中', u'€', 0xD83D, 0xDE00};
   random.seed(314159);
-  for (int round = 0; round < 150; ++round) {
+  for (int round = 0; round < 60; ++round) {
     phone.clear();
     joining = Joining();
     Texts expected;
@@ -75,7 +75,8 @@ class LongRunTest : public JoiningPropertyTest {
         const std::string pdu =
             pduOf({.text = name, .part = part, .total = total, .reference = reference, .sent = sent});
         arrivals.push_back({at, name, pdu});
-        if (repeated || below(6) != 0) continue;
+        // A short message that comes again after it was deleted is a new one.
+        if (total == 1 || repeated || below(6) != 0) continue;
         repeated = true;
         arrivals.push_back({at + std::chrono::seconds(below(500)), name, pdu});
       }
@@ -148,7 +149,7 @@ class LongRunTest : public JoiningPropertyTest {
 
 TEST_F(LongRunTest, EveryPartThatArrived_IsShownExactlyOnce) {
   std::size_t parts = 0;
-  for (round = 0; round < 400; ++round) {
+  for (round = 0; round < 100; ++round) {
     random.seed(static_cast<unsigned>(round));
     phone.clear();
     joining = Joining();
@@ -168,7 +169,7 @@ TEST_F(LongRunTest, EveryPartThatArrived_IsShownExactlyOnce) {
     ASSERT_EQ(shown, arrived) << "round " << round;
     parts += shown.size();
   }
-  EXPECT_GT(parts, 5000U);
+  EXPECT_GT(parts, 1500U);
 }
 
 }  // namespace
