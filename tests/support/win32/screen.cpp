@@ -1,4 +1,4 @@
-#include "system/mailclient/screen.h"
+#include "support/win32/screen.h"
 
 namespace screen {
 namespace {
@@ -61,6 +61,12 @@ void key(WORD code, DWORD flags, wchar_t character = 0) {
   input.ki.wScan = character != 0 ? static_cast<WORD>(character) : static_cast<WORD>(MapVirtualKeyW(code, 0));
   input.ki.dwFlags = flags;
   SendInput(1, &input, sizeof input);
+}
+
+void strike(WORD code) {
+  const bool extended = code >= VK_PRIOR && code <= VK_DELETE;
+  key(code, extended ? KEYEVENTF_EXTENDEDKEY : 0u);
+  key(code, KEYEVENTF_KEYUP | (extended ? KEYEVENTF_EXTENDEDKEY : 0u));
 }
 
 }  // namespace
@@ -153,11 +159,15 @@ bool toFront(HWND window) {
 void press(WORD code, bool control, bool shift) {
   if (control) key(VK_CONTROL, 0);
   if (shift) key(VK_SHIFT, 0);
-  const bool extended = code >= VK_PRIOR && code <= VK_DELETE;
-  key(code, extended ? KEYEVENTF_EXTENDEDKEY : 0u);
-  key(code, KEYEVENTF_KEYUP | (extended ? KEYEVENTF_EXTENDEDKEY : 0u));
+  strike(code);
   if (shift) key(VK_SHIFT, KEYEVENTF_KEYUP);
   if (control) key(VK_CONTROL, KEYEVENTF_KEYUP);
+}
+
+void pressWithAlt(wchar_t letter) {
+  key(VK_MENU, 0);
+  strike(static_cast<WORD>(letter));
+  key(VK_MENU, KEYEVENTF_KEYUP);
 }
 
 void type(const std::wstring& text) {
@@ -179,6 +189,12 @@ void clickAt(HWND window, int x, int y, bool control) {
     SendInput(1, &input, sizeof input);
   }
   if (control) key(VK_CONTROL, KEYEVENTF_KEYUP);
+}
+
+void clickOn(HWND window) {
+  RECT area{};
+  GetClientRect(window, &area);
+  clickAt(window, static_cast<int>(area.right) / 2, static_cast<int>(area.bottom) / 2);
 }
 
 }  // namespace screen
