@@ -54,8 +54,8 @@ HWND makeWindow() {
   windows.lpszClassName = windowClass;
   RegisterClassW(&windows);
   const HWND window =
-      CreateWindowExW(0, windowClass, L"HTML Help", WS_OVERLAPPED | WS_CAPTION | WS_SYSMENU, scaled(300), scaled(260),
-                      scaled(460), scaled(150), nullptr, nullptr, windows.hInstance, nullptr);
+      CreateWindowExW(WS_EX_DLGMODALFRAME, windowClass, L"HTML Help", WS_POPUP | WS_CAPTION | WS_SYSMENU, scaled(380),
+                      scaled(320), scaled(440), scaled(130), nullptr, nullptr, windows.hInstance, nullptr);
   const HWND text = CreateWindowExW(0, L"Static", L"", WS_CHILD | WS_VISIBLE | SS_NOPREFIX, 0, 0, 0, 0, window, nullptr,
                                     windows.hInstance, nullptr);
   NONCLIENTMETRICSW metrics{};
@@ -73,10 +73,9 @@ extern "C" HWND WINAPI HtmlHelpA(HWND caller, LPCSTR file, UINT command, DWORD_P
   if (command != 0) return nullptr;  // shows topics only
   HWND window = FindWindowW(windowClass, nullptr);
   if (!window) window = makeWindow();
-  const std::wstring asked = L"The help viewer was asked to open\r\n\r\n" + wideOf(file) + L"\r\n\r\ncaller " +
-                             std::to_wstring(reinterpret_cast<UINT_PTR>(caller)) + L", command " +
-                             std::to_wstring(command) + L", data " + std::to_wstring(data) +
-                             L". This window stands in for it.";
+  const std::wstring asked = L"This window stands in for the help viewer, which was asked to open\r\n\r\n" +
+                             wideOf(file) + L"\r\n\r\n(owner " + std::to_wstring(reinterpret_cast<UINT_PTR>(caller)) +
+                             L", command " + std::to_wstring(command) + L", data " + std::to_wstring(data) + L")";
   SetWindowTextW(GetWindow(window, GW_CHILD), asked.c_str());
   ShowWindow(window, SW_SHOW);
   SetForegroundWindow(window);

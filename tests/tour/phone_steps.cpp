@@ -25,7 +25,7 @@ void Tour::receiveMessages() {
   handset_.Put(phoneMemory, 0, u"+46701112233", u"Anna once more", u"261120080030");
   handset_.Put(phoneMemory, 0, u"+46702223344", u"From the phone memory", u"261120080100");
   handset_.Put(sim, 0, u"+46703334455", u"From the SIM card", u"261120080200");
-  handset_.Put(sim, 0, u"+46703334455", u"From the SIM card too", u"261120080300");
+  handset_.Put(sim, 0, u"+46703334455", u"The other one on the card", u"261120080300");
   clickSendReceive();
   check(waitFor("Inbox", 6) && itemsIn("Outbox") == 0, "six items are in the Inbox, none is left in the Outbox");
   const std::string anna = itemWith("Inbox", "Anna once more");

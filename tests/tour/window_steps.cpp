@@ -34,8 +34,8 @@ bool Tour::helpIsAsked(const std::wstring& path) {
   picture("help");
   screen::press(VK_ESCAPE);
   const bool closed = waitUntil([&] { return !IsWindow(viewer); });
-  return closed && asked == L"The help viewer was asked to open\r\n\r\n" + path +
-                                L"\r\n\r\ncaller 0, command 0, data 0. This window stands in for it.";
+  return closed && asked == L"This window stands in for the help viewer, which was asked to open\r\n\r\n" + path +
+                                L"\r\n\r\n(owner 0, command 0, data 0)";
 }
 
 void Tour::askForHelp() {

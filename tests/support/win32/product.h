@@ -122,7 +122,7 @@ void endWorker();
 
 // Waits until the condition holds. False when the time is over.
 template <class F>
-bool waitUntil(F&& condition, std::uint32_t milliseconds = 8000);
+bool waitUntil(F&& condition, std::uint32_t milliseconds = 60000);
 
 // Waits for a top-level window with this title and closes it. False when none came in time.
 bool closeWindow(const wchar_t* title, std::uint32_t milliseconds = 60000);

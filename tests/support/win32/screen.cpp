@@ -148,11 +148,16 @@ std::wstring statusText(HWND bar, int part) {
   return text;
 }
 
+// In front, and its program has given it the focus: a key before that would be lost.
 bool toFront(HWND window) {
+  const DWORD thread = GetWindowThreadProcessId(window, nullptr);
   return waitUntil([&] {
-    if (GetForegroundWindow() == window) return true;
-    SetForegroundWindow(window);
-    return GetForegroundWindow() == window;
+    if (GetForegroundWindow() != window) SetForegroundWindow(window);
+    GUITHREADINFO now{};
+    now.cbSize = sizeof now;
+    GetGUIThreadInfo(thread, &now);
+    const bool hasFocus = now.hwndFocus == window || IsChild(window, now.hwndFocus);
+    return GetForegroundWindow() == window && now.hwndActive == window && hasFocus;
   });
 }
 
