@@ -78,6 +78,7 @@ HWND InspectorFrame::addBody(const String& text, bool readOnly, int id) {
   SendMessageW(body, EM_SETMARGINS, EC_LEFTMARGIN | EC_RIGHTMARGIN, MAKELPARAM(scaled(6), scaled(6)));
   SendMessageW(body, EM_SETLIMITTEXT, 0, 0);
   SetWindowTextW(body, wide(text));
+  text_ = body;
   return body;
 }
 
@@ -184,6 +185,11 @@ LRESULT InspectorFrame::onMessage(UINT what, WPARAM wide, LPARAM extra) {
     case WM_NOTIFY:
       if (auto& header = *reinterpret_cast<NMHDR*>(extra); header.code == TTN_GETDISPINFOW) return onTip(header);
       return 0;
+    // Text to be read stands on paper, as in the reading pane.
+    case WM_CTLCOLORSTATIC:
+      if (reinterpret_cast<HWND>(extra) != text_) return byDefault(what, wide, extra);
+      SetBkColor(reinterpret_cast<HDC>(wide), GetSysColor(COLOR_WINDOW));
+      return reinterpret_cast<LRESULT>(GetSysColorBrush(COLOR_WINDOW));
     case WM_ACTIVATE:
       return onActivate(LOWORD(wide) != WA_INACTIVE);
     case WM_CLOSE:

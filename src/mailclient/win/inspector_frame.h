@@ -65,6 +65,7 @@ class InspectorFrame : public Window {
   Shell& shell_;
   InspectorPtr window_;
   HWND toolbar_ = nullptr;
+  HWND text_ = nullptr;  // the body's control
   HWND focus_ = nullptr;
   std::vector<Field> fields_;
 };

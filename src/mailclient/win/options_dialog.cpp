@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "com/errors.h"
+#include "mailclient/win/dialogs.h"
 #include "mailclient/win/property_page_host.h"
 
 // After our own windows header on purpose.
@@ -132,6 +133,15 @@ class GuestPage final : public Page {
   std::unique_ptr<PropertyPageHost> host_;
 };
 
+// The system puts the sheet into the owner's corner, over its menus.
+int CALLBACK sheetChanged(HWND sheet, UINT what, LPARAM) {
+  if (what != PSCB_INITIALIZED) return 0;
+  RECT now{};
+  GetWindowRect(sheet, &now);
+  placeOver(GetWindow(sheet, GW_OWNER), sheet, widthOf(now), heightOf(now));
+  return 0;
+}
+
 }  // namespace
 
 void showOptions(Shell& shell, HWND owner) {
@@ -144,7 +154,8 @@ void showOptions(Shell& shell, HWND owner) {
   for (const auto& page : pages) handles.push_back(page->create());
   PROPSHEETHEADERW sheet{};
   sheet.dwSize = sizeof sheet;
-  sheet.dwFlags = PSH_NOCONTEXTHELP;
+  sheet.dwFlags = PSH_NOCONTEXTHELP | PSH_USECALLBACK;
+  sheet.pfnCallback = &sheetChanged;
   sheet.hwndParent = owner;
   sheet.hInstance = GetModuleHandleW(nullptr);
   sheet.pszCaption = L"Options";

@@ -53,7 +53,7 @@ HWND TextMessageForm::firstFocus() const { return isRead() || !textOf(to_).empty
 
 void TextMessageForm::layoutBelow(const RECT& area) {
   const int margin = scaled(8);
-  const int countTop = area.bottom - margin / 2 - lineHeight();
+  const int countTop = isRead() ? area.bottom : area.bottom - margin / 2 - lineHeight();
   place(body_, area.left + margin, area.top, widthOf(area) - 2 * margin, countTop - scaled(5) - area.top);
   place(count_, area.left + margin, countTop, widthOf(area) - 2 * margin, lineHeight());
 }
@@ -131,7 +131,9 @@ void TextMessageForm::changed(int id, int what) {
 // ---- text and item
 // ------------------------------------------------------------------------------------------------------
 
+// What is read has been sent, in whatever parts.
 void TextMessageForm::showCount() {
+  if (isRead()) return;
   const PartCount count = countParts(textOf(body_));
   String text = describe(count);
   if (!count.defaultAlphabet) text += u", special characters";
