@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cwchar>
+#include <utility>
 
 namespace mailclient::win {
 namespace {
@@ -105,6 +106,11 @@ void InspectorFrame::layout() {
   layoutBelow({0, top + scaled(2), area.right, area.bottom});
 }
 
+void InspectorFrame::removeItem() {
+  const MessagePtr item = messagePtr();
+  shell_.client().store().remove(item, [&] { shell_.client().windows().closeInspectorsOf(item); });
+}
+
 bool InspectorFrame::onKey(WPARAM key, bool control) {
   if (key == VK_ESCAPE) {
     PostMessageW(handle(), WM_CLOSE, 0, 0);
@@ -126,16 +132,31 @@ bool InspectorFrame::onKey(WPARAM key, bool control) {
   return false;
 }
 
+template <class F>
+void InspectorFrame::alone(F&& action) {
+  if (std::exchange(busy_, true)) return;
+  struct AtEnd {
+    bool& flag;
+    ~AtEnd() { flag = false; }
+  } const atEnd{busy_};
+  action();
+}
+
 bool InspectorFrame::mayClose() {
-  if (message().gone || !isChanged()) return true;
-  const int answer =
-      MessageBoxW(handle(), L"Do you want to save the changes?", wide(title()), MB_YESNOCANCEL | MB_ICONQUESTION);
-  if (answer == IDYES) attempt(shell_, handle(), [&] { save(); });
-  return answer == IDNO || (answer == IDYES && !isChanged());
+  bool may = false;
+  alone([&] {
+    may = message().gone || !isChanged();
+    if (may) return;
+    const int answer =
+        MessageBoxW(handle(), L"Do you want to save the changes?", wide(title()), MB_YESNOCANCEL | MB_ICONQUESTION);
+    if (answer == IDYES) attempt(shell_, handle(), [&] { save(); });
+    may = answer == IDNO || (answer == IDYES && !isChanged());
+  });
+  return may;
 }
 
 LRESULT InspectorFrame::onClose() {
-  if (!mayClose()) return 0;
+  if (!mayClose() || !handle()) return 0;
   const RECT area = [&] {
     WINDOWPLACEMENT now{};
     now.length = sizeof now;
@@ -177,7 +198,7 @@ LRESULT InspectorFrame::onMessage(UINT what, WPARAM wide, LPARAM extra) {
       return 0;
     case WM_COMMAND:
       if (LOWORD(wide) >= firstTool) {
-        attempt(shell_, handle(), [&] { run(LOWORD(wide) - firstTool); });
+        alone([&] { attempt(shell_, handle(), [&] { run(LOWORD(wide) - firstTool); }); });
         return 0;
       }
       if (extra != 0) changed(LOWORD(wide), HIWORD(wide));
@@ -194,6 +215,9 @@ LRESULT InspectorFrame::onMessage(UINT what, WPARAM wide, LPARAM extra) {
       return onActivate(LOWORD(wide) != WA_INACTIVE);
     case WM_CLOSE:
       return onClose();
+    // The user logs off; a text that is being written may hold that up.
+    case WM_QUERYENDSESSION:
+      return mayClose() ? TRUE : FALSE;
     default:
       return byDefault(what, wide, extra);
   }
