@@ -1,0 +1,215 @@
+#include "phone/modem/modem.h"
+
+#include <algorithm>
+
+#include "phone/at/characters.h"
+#include "phone/at/fields.h"
+#include "phone/pdu/hex.h"
+
+namespace phone {
+
+using at::after;
+using at::Answer;
+using at::Command;
+
+namespace {
+
+constexpr Milliseconds listingLimit{30000};  // for each message
+constexpr Milliseconds slotLimit{25000};
+constexpr int mostSlots = 255;  // to look at when the modem does not tell how many there are
+
+std::string command(std::string_view name, int index) { return std::string(name) + std::to_string(index); }
+
+// "+CSCA: "<number>",<type>": the number may come as hexadecimal, in the character set HEX or UCS2, if the modem did
+// not let that be changed.
+std::string plainNumber(const std::string& text) {
+  const auto octets = text.size() > 6 && text.find_first_of("+*#") == std::string::npos ? fromHex(text) : std::nullopt;
+  if (!octets) return text;
+  std::string number;
+  for (const std::uint8_t octet : *octets)
+    if (octet != 0) number += static_cast<char>(octet);
+  const bool plausible = std::all_of(number.begin(), number.end(), [](char c) { return c == '+' || at::isDigit(c); });
+  return plausible && !number.empty() ? number : text;
+}
+
+}  // namespace
+
+Modem::Modem(Line& line, const Clock& clock, at::Trace* trace)
+    : clock_(clock),
+      dialogue_(
+          line, clock, [this](const at::Unsolicited& unsolicited) { hear(unsolicited); }, trace) {}
+
+void Modem::hear(const at::Unsolicited& unsolicited) {
+  const std::string_view line = unsolicited.line;
+  if (const auto text = after("+CMTI", line)) return hearStored(*text);
+  if (after("+CMT", line)) return notices_.push_back({Notice::Kind::Direct, {}, unsolicited.data});
+  if (after("^SMMEMFULL", line) || at::sameWord(line, "+SMS FULL"))
+    return notices_.push_back({Notice::Kind::MemoryFull, {}, {}});
+  // Everything else is noise.
+}
+
+// "<mem>,<index>"
+void Modem::hearStored(std::string_view text) {
+  const auto fields = at::fieldsOf(text);
+  const auto index = fields.back().number();
+  Notice notice{Notice::Kind::Stored, {}, {}};
+  for (const Memory memory : {Memory::Phone, Memory::Sim})
+    if (fields.size() == 2 && index && *index >= 0 && fields[0].text == this->memory(memory).name)
+      notice.slot = Slot{memory, *index};
+  notices_.push_back(notice);
+}
+
+Answer Modem::askListing() { return runPatiently({"AT+CMGL=4", "+CMGL", true, false, listingLimit}); }
+
+Listing Modem::list(Memory which) {
+  Listing listing;
+  if (!isSupported(which)) return {{Outcome::Kind::NoMemory}, {}};
+  ensureSetUp();
+  Contents contents;
+  for (int attempt = 0; attempt < 2 && !contents.complete; ++attempt) {
+    if (attempt > 0) {
+      // Perhaps it was switched off and on, and is back in text mode.
+      setUp_ = false;
+      ensureSetUp();
+    }
+    if (const auto result = choose(which); !result || !result->ok()) return {outcomeOf(result), {}};
+    contents.take(askListing());
+  }
+  const int capacity = memory(which).capacity;
+  if (!contents.complete) contents.doubtUnseen(capacity > 0 ? capacity : mostSlots);
+  readDoubtful(which, contents, listing);
+  for (auto& [index, message] : contents.whole) listing.messages.push_back(std::move(message));
+  return listing;
+}
+
+// Messages that did not come whole are doubtful. It is complete when there cannot be more than those seen. What was
+// unread when it was first seen stays so, though having been listed it is read from then on.
+void Modem::Contents::take(const Answer& answer) {
+  bool readable = true;
+  for (const at::Information& information : answer.information) {
+    auto entry = entryOfListing(information);
+    if (!entry) {
+      readable = false;
+      continue;
+    }
+    const int index = entry->message.index;
+    if (!entry->whole) {
+      if (!whole.contains(index)) doubtful.emplace(index, std::move(entry->message));
+      continue;
+    }
+    const auto doubt = doubtful.find(index);
+    if (doubt != doubtful.end() && doubt->second.status == Status::ReceivedUnread)
+      entry->message.status = Status::ReceivedUnread;
+    doubtful.erase(index);
+    whole.emplace(index, std::move(entry->message));
+  }
+  const bool empty = answer.result && saysEmpty(*answer.result) && answer.information.empty();
+  complete = readable && (answer.ok() || empty);
+}
+
+// Some modems begin with slot 0, most with 1.
+void Modem::Contents::doubtUnseen(int mostIndex) {
+  for (int index = 0; index <= mostIndex; ++index)
+    if (!whole.contains(index)) doubtful.emplace(index, StoredPdu{index, Status::ReceivedRead, {}});
+}
+
+void Modem::readDoubtful(Memory which, Contents& contents, Listing& listing) {
+  for (auto& [index, seen] : contents.doubtful) {
+    Reading reading = read({which, index});
+    if (reading.outcome.kind == Outcome::Kind::NoAnswer) reading = read({which, index});
+    const bool unread = seen.status == Status::ReceivedUnread;
+    if (reading.outcome.done())
+      seen = std::move(reading.message);
+    else if (reading.outcome.kind == Outcome::Kind::NoAnswer)
+      listing.outcome = reading.outcome;
+    else if (reading.outcome.kind == Outcome::Kind::Empty)
+      continue;
+    // Refusals are slots that do not exist, unless something was seen there: better damaged than invisible.
+    if (seen.pdu.empty()) continue;
+    if (unread) seen.status = Status::ReceivedUnread;
+    contents.whole.emplace(index, std::move(seen));
+  }
+}
+
+Reading Modem::read(Slot slot) {
+  if (!isSupported(slot.memory)) return {{Outcome::Kind::NoMemory}, {}, false};
+  ensureSetUp();
+  Reading reading;
+  // Twice is enough: what does not come whole comes damaged rather than not at all.
+  for (int attempt = 0; attempt < 2; ++attempt) {
+    if (const auto result = choose(slot.memory); !result || !result->ok()) return {outcomeOf(result), {}, false};
+    const Answer answer = runPatiently({command("AT+CMGR=", slot.index), "+CMGR", true, false, slotLimit});
+    if (answer.information.empty()) {
+      const bool empty = answer.result && (answer.result->ok() || saysEmpty(*answer.result));
+      return {empty ? Outcome{Outcome::Kind::Empty} : outcomeOf(answer.result), {}, false};
+    }
+    const Entry entry = entryOfReading(answer.information.back(), slot.index);
+    reading = {{}, entry.message, entry.whole};
+    if (entry.whole) break;
+    ensureSetUp();
+  }
+  return reading;
+}
+
+// Refusing to read a slot is how some modems say that it is empty; only the listing can tell.
+Reading Modem::readForSure(Slot slot) {
+  const Reading reading = read(slot);
+  if (reading.outcome.kind != Outcome::Kind::Refused) return reading;
+  const Listing listing = list(slot.memory);
+  if (!listing.outcome.done()) return reading;
+  for (const StoredPdu& message : listing.messages)
+    if (message.index == slot.index) return {{}, message};
+  return {{Outcome::Kind::Empty}, {}, false};
+}
+
+Outcome Modem::remove(Slot slot, std::string_view expected) {
+  bool asked = false;
+  Outcome outcome = removeChecked(slot, expected, asked);
+  if (outcome.kind != Outcome::Kind::NoAnswer) return outcome;
+  // It may be gone by now; only the slot can tell.
+  outcome = removeChecked(slot, expected, asked);
+  return asked && outcome.kind == Outcome::Kind::Empty ? Outcome{} : outcome;
+}
+
+// `asked` becomes true when the modem was told to delete.
+Outcome Modem::removeChecked(Slot slot, std::string_view expected, bool& asked) {
+  // Slots are used again: what was there when the memory was listed may have gone, and another message come.
+  const Reading there = readForSure(slot);
+  if (!there.outcome.done()) return there.outcome;
+  if (!at::sameWord(there.message.pdu, expected)) return {there.whole ? Outcome::Kind::Empty : Outcome::Kind::NoAnswer};
+  if (const auto result = choose(slot.memory); !result || !result->ok()) return outcomeOf(result);
+  asked = true;
+  // With one number: more than one modem refuses the flag, even 0.
+  const Answer answer = runPatiently({command("AT+CMGD=", slot.index), {}, false, false, slotLimit});
+  if (answer.result && saysEmpty(*answer.result)) return {Outcome::Kind::Empty};
+  return outcomeOf(answer.result);
+}
+
+std::string Modem::serviceCentre() {
+  ensureSetUp();
+  const Answer answer = run({"AT+CSCA?", "+CSCA"});
+  if (!answer.ok() || answer.information.empty()) return {};
+  return plainNumber(at::fieldsOf(answer.information.back().text).front().text);
+}
+
+Registration Modem::registration() {
+  ensureSetUp();
+  const Answer answer = run({"AT+CREG?", "+CREG"});
+  // The modem may say the same unasked, with one number less.
+  for (const at::Information& information : answer.information) {
+    const auto fields = at::fieldsOf(information.text);
+    const auto state = fields.size() >= 2 ? fields[1].number() : std::nullopt;
+    if (state && *state >= 0 && *state <= 5) return static_cast<Registration>(*state);
+  }
+  return Registration::Unknown;
+}
+
+std::optional<int> Modem::signal() {
+  ensureSetUp();
+  const Answer answer = run({"AT+CSQ", "+CSQ"});
+  if (!answer.ok() || answer.information.empty()) return std::nullopt;
+  const auto strength = at::fieldsOf(answer.information.back().text).front().number();
+  return strength && *strength >= 0 && *strength <= 31 ? strength : std::nullopt;
+}
+
+}  // namespace phone
