@@ -2,6 +2,7 @@
 
 #include "../measure.h"
 #include "com/bridge.h"
+#include "com/windows.h"
 #include "mailclient/application.h"
 
 namespace bench {
@@ -54,6 +55,15 @@ void Stage::awaitItems(const std::string& folder, int count) {
 
 bool Stage::waitUntil(const std::function<bool()>& condition, std::int32_t milliseconds) {
   return testing_support::waitUntil(condition, static_cast<std::uint32_t>(milliseconds));
+}
+
+double processorSeconds(void* process) {
+  FILETIME created, ended, kernel, user;
+  require(GetProcessTimes(process, &created, &ended, &kernel, &user), "the process can be asked");
+  const auto ticks = [](const FILETIME& t) {
+    return static_cast<std::int64_t>(t.dwHighDateTime) * 4294967296 + t.dwLowDateTime;
+  };
+  return static_cast<double>(ticks(kernel) + ticks(user)) * 1e-7;
 }
 
 }  // namespace bench

@@ -57,8 +57,13 @@ class ConnectedStage {
   platform::Ref<addin::connect> addIn_ = platform::make<addin::connect>();
 };
 
+// User and kernel time; std::clock is wall-clock time on Windows.
+double processorSeconds(void* process);
+
 void connecting();    // OnConnection, through the DLL
 void borderCalls();   // how many calls leave the add-in for a message
 void listTimesOut();  // processor time of a wait
+// The window with a store that was never opened, which has this many messages in its Inbox.
+void opening(const wchar_t* store, int count);
 
 }  // namespace bench

@@ -52,7 +52,8 @@ std::span<const Member> COMAddIn::members() const {
 }
 
 void COMAddIn::putConnect(bool connect) {
-  if (connect != entry_->connected && entry_->wire) entry_->wire(connect);
+  const auto wire = entry_->wire;  // who connects add-ins may set it anew
+  if (connect != entry_->connected && wire) wire(connect);
 }
 
 }  // namespace mailclient

@@ -37,7 +37,7 @@ Object Application::assistant() { return client().assistant().object(clientPtr()
 Ref<COMAddIns> Application::comAddIns() { return make<COMAddIns>(clientPtr()); }
 Ref<Explorers> Application::explorers() { return client().windows().explorersView.get(clientPtr()); }
 Ref<Inspectors> Application::inspectors() { return client().windows().inspectorsView.get(clientPtr()); }
-void Application::quit() { client().quit(); }
+void Application::quit() { client().exit(); }
 
 Ref<NameSpace> Application::getNamespace(const String& type) {
   if (!sameName(type, u"MAPI")) fail(failure::automation, u"The namespace type is not known.");

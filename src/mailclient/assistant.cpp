@@ -79,6 +79,7 @@ std::int32_t Balloon::show() {
   AssistantState& assistant = client().assistant();
   if (!assistant.on) return 0;
   assistant.shown.push_back({balloonType, icon, button, mode, animation, heading, text, labels});
+  if (assistant.shown.size() > AssistantState::mostKept) assistant.shown.erase(assistant.shown.begin());
   if (!assistant.present) return assistant.balloonAnswer;
   const BalloonState balloon = assistant.shown.back();  // the user may take their time, and others may be shown
   return assistant.present(balloon);

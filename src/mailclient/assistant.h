@@ -32,6 +32,7 @@ struct BalloonState {
 };
 
 struct AssistantState {
+  static constexpr std::size_t mostKept = 100;
   Object object(const ClientPtr& client);
 
   AssistantPresence presence = AssistantPresence::Present;
@@ -40,7 +41,7 @@ struct AssistantState {
   bool moveWhenInTheWay = false;
   bool sounds = false;
   std::int32_t animation = 1;       // MsoAnimationType: idle
-  std::vector<BalloonState> shown;  // every balloon that was shown, oldest first
+  std::vector<BalloonState> shown;  // the last balloons that were shown, oldest first
   std::int32_t balloonAnswer = -1;  // what the user clicks, a MsoBalloonButtonType: OK
   // Shows a balloon and waits for the click, whose MsoBalloonButtonType it returns; empty where there is no screen.
   std::function<std::int32_t(const BalloonState&)> present;

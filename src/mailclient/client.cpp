@@ -1,9 +1,12 @@
 #include "mailclient/client.h"
 
+#include <utility>
+
 #include "addin/platform/outlook.h"
 #include "mailclient/application.h"
 #include "mailclient/events.h"
 #include "mailclient/item.h"
+#include "mailclient/steps.h"
 
 namespace mailclient {
 
@@ -43,10 +46,21 @@ std::vector<OptionsPage> MailClient::collectOptionsPages() {
 void MailClient::saveSettings() { store_.saveButtons(explorerBars_.permanentButtons()); }
 
 void MailClient::quit() {
-  windows_.closeAll();
-  application().get()->fire(ApplicationEvents::Quit);
-  saveSettings();
-  store_.finish();
+  if (std::exchange(ended_, true)) return;
+  Steps steps;
+  steps.run([&] { windows_.closeAll(); });
+  steps.run([&] { application().get()->fire(ApplicationEvents::Quit); });
+  steps.run([&] { saveSettings(); });
+  steps.run([&] { store_.finish(); });
+  steps.raise();
+}
+
+void MailClient::exit() {
+  const auto end = endProgram;
+  if (end)
+    end();
+  else
+    quit();
 }
 
 }  // namespace mailclient

@@ -56,8 +56,12 @@ class MailClient : public std::enable_shared_from_this<MailClient> {
 
   // Stores the permanent buttons; a host calls it between two commands and at the end.
   void saveSettings();
-  // Tells every listener that the program ends, and saves.
+  // Closes the windows, tells every listener that the program ends, and saves: all of it, once, and then the first
+  // failure is raised. A host ends with it.
   void quit();
+  // What a program means by Quit: the host's own end, where there is a host.
+  void exit();
+  std::function<void()> endProgram;
 
   Census census;  // live objects by class
 
@@ -72,6 +76,7 @@ class MailClient : public std::enable_shared_from_this<MailClient> {
   AssistantState assistant_;
   Windows windows_;
   AddIns addIns_;
+  bool ended_ = false;
 };
 
 }  // namespace mailclient

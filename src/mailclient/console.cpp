@@ -9,6 +9,7 @@
 #include "mailclient/application.h"
 #include "mailclient/item.h"
 #include "mailclient/text_coding.h"
+#include "mailclient/view/folder_tree.h"
 
 namespace mailclient {
 namespace {
@@ -217,12 +218,7 @@ void Console::execute(std::string_view line) {
 void Console::tell(const std::string& line) { host_.answer(std::to_string(answered_) + " - " + line); }
 
 std::shared_ptr<Folder> Console::folderNamed(StringView name) const {
-  std::shared_ptr<Folder> folder = client_.store().root();
-  while (folder && !name.empty()) {
-    const std::size_t end = name.find(u'/');
-    folder = folder->child(name.substr(0, end));
-    name = end == StringView::npos ? StringView() : name.substr(end + 1);
-  }
+  const std::shared_ptr<Folder> folder = folderAt(client_.store(), name);
   if (!folder || folder == client_.store().root()) fail(failure::notFound, u"There is no such folder");
   return folder;
 }
@@ -255,9 +251,8 @@ Console::Result Console::status(const Words&) {
 }
 
 void Console::listFolder(const Folder& folder) {
-  String path;
-  for (const String& name : folder.path()) path += path.empty() ? name : u"/" + name;
-  tell(quoted(path) + " items=" + number(folder.messages().size()) + " unread=" + std::to_string(folder.unreadCount()));
+  tell(quoted(folderPath(folder)) + " items=" + number(folder.messages().size()) +
+       " unread=" + std::to_string(folder.unreadCount()));
   for (const auto& child : folder.children()) listFolder(*child);
 }
 

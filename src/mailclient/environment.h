@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <memory>
 #include <vector>
 
 #include "mailclient/types.h"
@@ -22,7 +23,8 @@ struct FileEntry {
   FileStamp stamp;
 };
 
-// The defaults suit tests: a clock that stands still until it is moved, a zone without offset, no waiting for disks.
+// The defaults suit tests: a clock that stands still until it is moved, a zone without offset, no waiting for disks,
+// nobody else at work on the files.
 class Environment {
  public:
   virtual ~Environment() = default;
@@ -31,6 +33,8 @@ class Environment {
   virtual Date toUtc(Date local) { return local; }
   // Returns when the file's content would survive a power failure.
   virtual void flushToDisk(const std::filesystem::path& /*file*/) {}
+  // Keeps every other process from this file while the answer lives; null when another one has it already.
+  virtual std::shared_ptr<void> lockFile(const std::filesystem::path& file);
   // The regular files of a directory, in no order; none when it cannot be read.
   virtual std::vector<FileEntry> filesIn(const std::filesystem::path& directory);
   // Nothing when there is no such file.

@@ -98,11 +98,14 @@ bool take(std::string_view& text, char mark) {
   return true;
 }
 
-// Minutes east of Greenwich; names of zones other than the four-digit form count as Greenwich.
+// Minutes east of Greenwich; names of zones other than the four-digit form, and what is no zone on earth, count as
+// Greenwich.
 int zoneMinutes(std::string_view text) {
   const bool west = take(text, '-');
   if (!west && !take(text, '+')) return 0;
+  constexpr int furthest = 1400;
   const int zone = takeNumber(text).value_or(0);
+  if (zone < 0 || zone > furthest || zone % 100 >= 60) return 0;
   const int minutes = zone / 100 * 60 + zone % 100;
   return west ? -minutes : minutes;
 }
@@ -256,7 +259,8 @@ std::optional<Date> parseDateText(std::string_view text) {
   p.second = std::min(*second, 59);  // a leap second
   const auto local = platform::dateFromParts(p);
   if (!local) return std::nullopt;
-  return Date{local->days - zoneMinutes(text) / 1440.0};
+  const Date utc{local->days - zoneMinutes(text) / 1440.0};
+  return platform::isInCalendar(utc) ? std::optional(utc) : std::nullopt;
 }
 
 String decodeCharset(std::string_view charset, std::string_view bytes) {

@@ -3,6 +3,7 @@
 #include "addin/platform/outlook.h"
 #include "mailclient/client.h"
 #include "mailclient/item.h"
+#include "mailclient/steps.h"
 
 namespace mailclient {
 namespace {
@@ -56,18 +57,40 @@ Object MailItem::replyAll() {
 
 Object MailItem::forward() { return offer(*this, ItemEvents::Forward, answerTo(client(), living(), u"FW: ")); }
 
-// Into the Outbox, where a transport (for text messages: the add-in) takes it.
+// Into the Outbox, where a transport (for text messages: the add-in) takes it. Its windows close when it lies there:
+// while the disk refuses, what the user wrote is in front of him.
 void MailItem::send() {
-  Message& m = living();
-  m.unsent = false;
-  m.unread = false;
-  m.sentOn = client().environment().utcNow();
-  m[Text::SenderName] = client().userName();
-  m.changed = true;
-  client().windows().closeInspectorsOf(message());
-  const auto outbox = client().store().defaultFolder(DefaultFolder::Outbox);
-  if (m.saved()) client().store().save(message());
-  client().store().move(message(), *outbox);
+  living();
+  const MessagePtr m = message();
+  Store& store = client().store();
+  if (m->saved()) store.setUnread(m, false);
+  const Date sentBefore = m->sentOn;
+  const String senderBefore = (*m)[Text::SenderName];
+  const bool unsentBefore = m->unsent;
+  m->unsent = false;
+  m->unread = false;
+  m->sentOn = client().environment().utcNow();
+  (*m)[Text::SenderName] = client().userName();
+  m->changed = true;
+  const auto outbox = store.defaultFolder(DefaultFolder::Outbox);
+  bool isWritten = false;
+  bool isThere = false;
+  try {
+    if (m->saved()) store.save(m, [&] { isWritten = true; });
+    store.move(m, *outbox, [&] {
+      isThere = true;
+      client().windows().closeInspectorsOf(m);
+    });
+  } catch (const RuntimeError&) {
+    if (isThere) throw;
+    m->unsent = unsentBefore;
+    m->sentOn = sentBefore;
+    (*m)[Text::SenderName] = senderBefore;
+    m->changed = true;
+    Steps back;
+    if (isWritten) back.run([&] { store.save(m); });
+    throw;
+  }
 }
 
 bool MailItem::sent() { return !living().unsent; }

@@ -21,6 +21,7 @@ namespace fs = std::filesystem;
 constexpr char seen = 'S';
 constexpr std::string_view stateName = "mailclient.state";
 constexpr std::string_view cacheName = "mailclient.cache";
+constexpr std::string_view lockName = "mailclient.lock";
 constexpr std::string_view markerName = "maildirfolder";
 constexpr std::string_view ourSuffix = ".mailclient";
 constexpr std::size_t secondDigits = 10;
@@ -122,6 +123,8 @@ fs::path Maildir::folderPath(const std::vector<String>& names) const {
 LoadedStore Maildir::load() {
   return guarded([&] {
     makeFolder(root_, ItemType::Mail);
+    lock_ = environment_->lockFile(root_ / lockName);
+    if (!lock_) fail(failure::busy, u"The message store is in use by another program.");
     LoadedStore loaded;
     loaded.state = readStateFile(readFile(root_ / stateName).value_or(std::string()));
     const bool isNew = loaded.state.storeId.empty();
@@ -368,9 +371,9 @@ void Maildir::dropCache() {
   fs::remove(root_ / cacheName, ignored);
 }
 
-// Files of other programs are read from their own place: only there they are exactly what they are.
-void Maildir::finish(const Folder& root) {
-  if (cacheIsTrue_) return;
+// Empty for a store that is not worth one. Files of other programs are read from their own place: only there they are
+// exactly what they are.
+std::string Maildir::cacheOf(const Folder& root) const {
   StoreCache::Writer writer;
   std::vector<const Folder*> waiting{&root};
   while (!waiting.empty()) {
@@ -383,17 +386,22 @@ void Maildir::finish(const Folder& root) {
       writer.add(cacheKey(folderPath(*folder), parseName(*name).base), message->stamp, messageFile(*message));
     }
   }
-  const std::string content = writer.size() >= worthACache_ ? writer.content() : std::string();
-  const bool isKept = !content.empty() && content.size() <= static_cast<std::size_t>(largestFile);
+  return writer.size() >= worthACache_ ? writer.content() : std::string();
+}
+
+void Maildir::finish(const Folder& root) {
+  if (cacheIsTrue_) return;
   try {
     guarded([&] {
+      const std::string content = cacheOf(root);
+      const bool isKept = !content.empty() && content.size() <= static_cast<std::size_t>(largestFile);
       // What was deleted does not live on in it.
       if (isKept)
         replaceFile(root_, fs::path(cacheName), content);
       else
         fs::remove(root_ / cacheName);
+      cacheIsTrue_ = isKept;
     });
-    cacheIsTrue_ = isKept;
   } catch (const RuntimeError&) {
     // The next start takes longer; no reason to disturb the end of this one.
   }

@@ -12,8 +12,8 @@
 // sort in the order of arrival. The flag S (seen) is the read state. ":" names a stream of a file on Windows, so there
 // the separator is ";"; both are read.
 //
-// One process at a time works on a tree. Files of other programs are read as far as they can be, and never changed or
-// removed unless the user does so with their item; what lies in tmp/ is left alone.
+// One process at a time works on a tree: it holds <root>/mailclient.lock. Files of other programs are read as far as
+// they can be, and never changed or removed unless the user does so with their item; what lies in tmp/ is left alone.
 #pragma once
 
 #include <memory>
@@ -55,6 +55,7 @@ class Maildir final : public Persistence {
   void noteArrival(const std::string& base);
   // The name of a message's file in the cache.
   std::string cacheKey(const std::filesystem::path& folder, const std::string& base) const;
+  std::string cacheOf(const Folder& root) const;
   void dropCache();
 
   std::filesystem::path root_;
@@ -62,6 +63,7 @@ class Maildir final : public Persistence {
   char separator_;
   std::size_t worthACache_;  // messages: of fewer, the files themselves are read quickly enough
   String storeId_;
+  std::shared_ptr<void> lock_;    // the tree is ours
   StoreCache cache_;              // while loading
   std::size_t fromCache_ = 0;     // messages that came out of it
   bool cacheIsTrue_ = false;      // what lies on the disk holds every message, and nothing else

@@ -1,7 +1,6 @@
 #include "mailclient/mapi_message.h"
 
-#include <cmath>
-
+#include "addin/platform/date.h"
 #include "mailclient/client.h"
 
 namespace mailclient {
@@ -41,8 +40,7 @@ void MapiMessage::setString(std::uint32_t tag, StringView text) {
 }
 
 void MapiMessage::setTime(std::uint32_t tag, Date utc) {
-  constexpr double lastDay = 2958465;  // 31 December 9999
-  if (!(std::fabs(utc.days) <= lastDay)) fail(failure::invalid, u"This is no time.");
+  if (!platform::isInCalendar(utc)) fail(failure::invalid, u"This is no time.");
   Message& m = changing();
   if (tag == mapi::tag::clientSubmitTime)
     m.sentOn = utc;

@@ -1,8 +1,8 @@
 #include "mailclient/message_file.h"
 
 #include <charconv>
-#include <cmath>
 
+#include "addin/platform/date.h"
 #include "mailclient/folder.h"
 #include "mailclient/foreign_body.h"
 #include "mailclient/header_text.h"
@@ -26,10 +26,9 @@ std::string daysText(Date date) {
 }
 
 Date parseDays(std::string_view text) {
-  constexpr double lastDay = 2958465;  // 31 December 9999
   double days = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), days);
-  return error == std::errc{} && std::fabs(days) <= lastDay ? Date{days} : Date{};
+  return error == std::errc{} && platform::isInCalendar(Date{days}) ? Date{days} : Date{};
 }
 
 // What a reader of the usual headers and body would make of them.

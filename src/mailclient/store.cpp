@@ -119,7 +119,7 @@ MessagePtr Store::create(Folder& folder, StringView messageClass) {
   return message;
 }
 
-void Store::save(const MessagePtr& given) {
+void Store::save(const MessagePtr& given, const Stored& stored) {
   const MessagePtr message = given;  // the caller's may be the list's own
   Folder* const folder = message->folder;
   if (message->gone || folder->isGone()) fail(failure::deleted, u"The item has been moved or deleted.");
@@ -134,6 +134,7 @@ void Store::save(const MessagePtr& given) {
   }
   message->changed = false;
   if (isNew) folder->messages_.push_back(message);
+  stored();
   folder->tell(isNew ? &FolderObserver::itemAdded : &FolderObserver::itemChanged, message);
 }
 
@@ -159,7 +160,7 @@ void Store::take(const MessagePtr& message) {
   if (at != messages.rend()) messages.erase(std::next(at).base());
 }
 
-void Store::move(const MessagePtr& given, Folder& to) {
+void Store::move(const MessagePtr& given, Folder& to, const Stored& stored) {
   const MessagePtr message = given;
   if (message->gone || to.isGone()) fail(failure::deleted, u"The item has been moved or deleted.");
   if (&to == root_.get()) fail(failure::noAccess, u"This folder cannot hold items.");
@@ -167,18 +168,22 @@ void Store::move(const MessagePtr& given, Folder& to) {
   if (!message->saved()) {
     Folder* const planned = std::exchange(message->folder, &to);
     try {
-      save(message);
+      save(message, stored);
     } catch (const RuntimeError&) {
       if (!message->saved()) message->folder = planned;
       throw;
     }
     return;
   }
-  if (from == &to) return;
+  if (from == &to) {
+    stored();
+    return;
+  }
   if (persistence_) persistence_->move(*message, *from, to);
   take(message);
   to.messages_.push_back(message);
   message->folder = &to;
+  stored();
   from->tell(&FolderObserver::itemRemoved);
   to.tell(&FolderObserver::itemAdded, message);
 }
@@ -190,22 +195,31 @@ bool Store::isDeleted(const Folder& folder) const {
   return false;
 }
 
-void Store::remove(const MessagePtr& given) {
+void Store::remove(const MessagePtr& given, const Stored& stored) {
   const MessagePtr message = given;
   if (message->gone) fail(failure::deleted, u"The item has been moved or deleted.");
   if (!message->saved()) {
     message->gone = true;
+    stored();
     return;
   }
   Folder* const from = message->folder;
   if (!isDeleted(*from)) {
-    move(message, *defaultFolder(DefaultFolder::DeletedItems));
+    move(message, *defaultFolder(DefaultFolder::DeletedItems), stored);
     return;
   }
   if (persistence_) persistence_->erase(*from, *message);
   take(message);
   message->gone = true;
+  stored();
   from->tell(&FolderObserver::itemRemoved);
+}
+
+void Store::removeAll(const std::vector<MessagePtr>& messages) {
+  std::vector<std::pair<MessagePtr, const Folder*>> all;
+  for (const MessagePtr& message : messages) all.emplace_back(message, message->folder);
+  for (const auto& [message, folder] : all)
+    if (!message->gone && message->folder == folder) remove(message);
 }
 
 std::shared_ptr<Folder> Store::addFolder(Folder& parent, StringView name, ItemType type) {
@@ -237,11 +251,13 @@ void Store::removeFolder(Folder& folder) {
       fail(failure::noAccess, u"This folder cannot be deleted.");
   if (persistence_) persistence_->removeFolder(folder);
   std::vector<Folder*> waiting{&folder};
+  std::vector<Folder*> emptied;
   while (!waiting.empty()) {
     Folder* const f = waiting.back();
     waiting.pop_back();
     f->gone_ = true;
     for (const MessagePtr& message : f->messages_) message->gone = true;
+    if (!f->messages_.empty()) emptied.push_back(f);
     f->messages_.clear();
     for (const auto& below : f->children_) waiting.push_back(below.get());
   }
@@ -249,6 +265,7 @@ void Store::removeFolder(Folder& folder) {
                                  [&](const auto& f) { return f.get() == &folder; });
   removed_.push_back(*keep);
   folder.parent_->children_.erase(keep);
+  for (Folder* const f : emptied) f->tell(&FolderObserver::itemRemoved);
   foldersChanged();
 }
 

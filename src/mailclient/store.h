@@ -39,11 +39,20 @@ class Store {
 
   // A new item that `save` will put into `folder`.
   static MessagePtr create(Folder& folder, StringView messageClass);
-  void save(const MessagePtr& message);
+  // `stored` runs when the change has been made, before anybody hears of it (here and below).
+  using Stored = std::function<void()>;
+  void save(
+      const MessagePtr& message, const Stored& stored = [] {});
   void setUnread(const MessagePtr& message, bool unread);
-  void move(const MessagePtr& message, Folder& to);  // keeps the EntryID; an unsaved item is saved there
+  // Keeps the EntryID; an unsaved item is saved there.
+  void move(
+      const MessagePtr& message, Folder& to, const Stored& stored = [] {});
   // Into Deleted Items; from there (and from the folders below it), for good.
-  void remove(const MessagePtr& message);
+  void remove(
+      const MessagePtr& message, const Stored& stored = [] {});
+  // Each from the folder where it lies now. Those who hear of one may move or delete another: that one is left as it
+  // is then, because among the deleted items a second removal would be for good.
+  void removeAll(const std::vector<MessagePtr>& messages);
 
   // Hears that folders were added, renamed or removed.
   std::function<void()> foldersChanged = [] {};

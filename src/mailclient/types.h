@@ -31,6 +31,7 @@ inline constexpr auto deleted = static_cast<std::int32_t>(0x8004010A);       // 
 inline constexpr auto collision = static_cast<std::int32_t>(0x80040604);     // MAPI_E_COLLISION
 inline constexpr auto noAccess = static_cast<std::int32_t>(0x80070005);      // MAPI_E_NO_ACCESS
 inline constexpr auto notOnDisk = static_cast<std::int32_t>(0x80040116);     // MAPI_E_DISK_ERROR
+inline constexpr auto busy = static_cast<std::int32_t>(0x8004010B);          // MAPI_E_BUSY
 inline constexpr auto computed = static_cast<std::int32_t>(0x8004011A);      // MAPI_E_COMPUTED
 inline constexpr auto unknownTag = static_cast<std::int32_t>(0x80040102);    // MAPI_E_NO_SUPPORT
 inline constexpr auto fileNotFound = static_cast<std::int32_t>(0x80030002);  // STG_E_FILENOTFOUND

@@ -29,7 +29,7 @@ ExplorerPtr Windows::openExplorer(const std::shared_ptr<Folder>& folder) {
   order_.emplace_back(window);
   if (const Ref<Explorers> listeners(explorersView.live()); listeners && listeners.get()->listenerCount() != 0)
     listeners.get()->fire(outlook::ExplorersEvents::NewExplorer, explorerObject(window).get()->object());
-  if (host && !window->closing) host->opened(window);
+  show(window);
   return window;
 }
 
@@ -47,8 +47,20 @@ InspectorPtr Windows::openInspector(const MessagePtr& message) {
   order_.emplace_back(window);
   if (const Ref<Inspectors> listeners(inspectorsView.live()); listeners && listeners.get()->listenerCount() != 0)
     listeners.get()->fire(outlook::InspectorsEvents::NewInspector, inspectorObject(window).get()->object());
-  if (host && !window->closing) host->opened(window);
+  show(window);
   return window;
+}
+
+// A window that cannot be shown is none: it would be counted, and never be closed.
+template <class Window>
+void Windows::show(const std::shared_ptr<Window>& window) {
+  if (!host || window->closing) return;
+  try {
+    host->opened(window);
+  } catch (const RuntimeError&) {
+    close(window);
+    throw;
+  }
 }
 
 void Windows::activate(const ExplorerPtr& window) {
@@ -67,14 +79,12 @@ void Windows::activate(const InspectorPtr& window) {
 
 void Windows::activated(const ExplorerPtr& window) {
   if (window->closing || active_ == Any(window)) return;
-  makeActive(window);
-  tell<Explorer>(window, ExplorerEvents::Activate);
+  if (makeActive(window)) tell<Explorer>(window, ExplorerEvents::Activate);
 }
 
 void Windows::activated(const InspectorPtr& window) {
   if (window->closing || active_ == Any(window)) return;
-  makeActive(window);
-  tell<Inspector>(window, InspectorEvents::Activate);
+  if (makeActive(window)) tell<Inspector>(window, InspectorEvents::Activate);
 }
 
 void Windows::deactivated(const ExplorerPtr& window) {
@@ -85,11 +95,15 @@ void Windows::deactivated(const InspectorPtr& window) {
   if (active_ == Any(window)) leaveActive();
 }
 
-void Windows::makeActive(const Any& window) {
+// Those who hear that the other window is left may close this one.
+template <class Window>
+bool Windows::makeActive(const std::shared_ptr<Window>& window) {
   leaveActive();
-  std::erase(order_, window);
-  order_.push_back(window);
+  if (window->closing) return false;
+  std::erase(order_, Any(window));
+  order_.emplace_back(window);
   active_ = window;
+  return true;
 }
 
 void Windows::leaveActive() {
@@ -143,14 +157,14 @@ bool Windows::showFolder(const ExplorerPtr& window, const std::shared_ptr<Folder
   if (listeners && listeners.get()->listenerCount() != 0) {
     bool cancel = false;
     listeners.get()->fire(ExplorerEvents::BeforeFolderSwitch, client_.folderObject(folder).get()->object(), cancel);
-    if (cancel || window->closing) return false;
+    if (cancel || window->closing || folder->isGone()) return false;
   }
   window->folder = folder;
   const bool hadSelection = !window->selection.empty();
   window->selection.clear();
   if (host) host->folderShown(window);
-  tell<Explorer>(window, ExplorerEvents::FolderSwitch);
-  if (hadSelection) tell<Explorer>(window, outlook::ExplorerEvents::SelectionChange);
+  if (!window->closing) tell<Explorer>(window, ExplorerEvents::FolderSwitch);
+  if (hadSelection && !window->closing) tell<Explorer>(window, outlook::ExplorerEvents::SelectionChange);
   return true;
 }
 

@@ -178,7 +178,10 @@ class Windows {
 
  private:
   using Any = std::variant<ExplorerPtr, InspectorPtr>;
-  void makeActive(const Any& window);
+  template <class Window>
+  void show(const std::shared_ptr<Window>& window);
+  template <class Window>
+  bool makeActive(const std::shared_ptr<Window>& window);  // false when it was closed instead
   void leaveActive();
   void forget(const Any& window);
 

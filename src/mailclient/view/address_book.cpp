@@ -24,6 +24,20 @@ String dialled(StringView number) {
   return digits;
 }
 
+String plain(StringView text) {
+  String result(text);
+  for (char16_t& c : result)
+    if (c < u' ') c = u' ';
+  return result;
+}
+
+// As it stands in a display address: without what the sender does not take out of it.
+String addressNumber(StringView number) {
+  String result = plain(number);
+  std::erase_if(result, [](char16_t c) { return c == u'-' || c == u'.' || c == u'/'; });
+  return result;
+}
+
 void collect(const Folder& folder, std::vector<AddressEntry>& book) {
   for (const MessagePtr& contact : folder.messages()) {
     const StringView number = trimmed((*contact)[Text::MobileTelephoneNumber]);
@@ -73,16 +87,13 @@ std::vector<AddressEntry> addressBook(const Folder& contacts) {
 }
 
 String displayAddress(const AddressEntry& entry) {
-  String address = entry.name;
+  String address = plain(entry.name);
   for (char16_t& c : address) {
     if (c == u'[') c = u'(';
     if (c == u']') c = u')';
   }
   if (!address.empty()) address += u' ';
-  address += u'[';
-  for (const char16_t c : entry.number)
-    if (c != u'-' && c != u'.' && c != u'/') address += c;
-  return address += u']';
+  return address + u'[' + addressNumber(entry.number) + u']';
 }
 
 bool isPhoneNumber(StringView text) {
@@ -105,11 +116,21 @@ std::vector<AddressEntry> complete(const std::vector<AddressEntry>& book, String
   return found;
 }
 
+std::optional<std::size_t> preselected(const std::vector<AddressEntry>& found, StringView typed) {
+  if (found.empty()) return std::nullopt;
+  if (!isPhoneNumber(typed)) return 0;
+  const String digits = dialled(typed);
+  const auto isIt = [&](const AddressEntry& entry) { return dialled(entry.number) == digits; };
+  if (std::count_if(found.begin(), found.end(), isIt) != 1) return std::nullopt;
+  return static_cast<std::size_t>(std::find_if(found.begin(), found.end(), isIt) - found.begin());
+}
+
 std::optional<String> resolveRecipient(const std::vector<AddressEntry>& book, StringView typed) {
   typed = trimmed(typed);
   if (const auto number = bracketed(typed)) {
     if (!isPhoneNumber(*number)) return std::nullopt;
-    return String(typed);
+    const auto before = static_cast<std::size_t>(number->data() - typed.data());
+    return plain(typed.substr(0, before)) + addressNumber(*number) + plain(typed.substr(before + number->size()));
   }
   if (isPhoneNumber(typed)) return addressOfNumber(book, typed);
   const AddressEntry* only = nullptr;

@@ -48,6 +48,12 @@ Text textOf(Column column) {
   return Text::Subject;
 }
 
+// A contact without a name is shown as it is filed.
+const String& shownText(const Message& message, Column column) {
+  const bool asFiled = column == Column::FullName && message[Text::FullName].empty();
+  return message[asFiled ? Text::FileAs : textOf(column)];
+}
+
 bool isTime(Column column) { return column == Column::Received || column == Column::Sent; }
 
 int compareTimes(Date a, Date b) {
@@ -117,15 +123,16 @@ String cellText(const Message& message, Column column, const TimeText& timeText)
     const Date time = timeOf(message, column);
     return time == Date{} ? String(u"None") : timeText(time);
   }
-  if (column == Column::FullName && message[Text::FullName].empty()) return oneLine(message[Text::FileAs]);
-  return oneLine(message[textOf(column)]);
+  return oneLine(shownText(message, column));
 }
 
 int compare(const Message& a, const Message& b, Column column) {
-  if (!isTime(column))
-    if (const int order = collate(a[textOf(column)], b[textOf(column)]); order != 0) return order;
-  const int order = compareTimes(timeOf(a, column), timeOf(b, column));
-  return isTime(column) ? order : -order;
+  if (isTime(column)) return compareTimes(timeOf(a, column), timeOf(b, column));
+  return collate(shownText(a, column), shownText(b, column));
+}
+
+bool isNewer(const Message& a, const Message& b, Column column) {
+  return compareTimes(timeOf(a, column), timeOf(b, column)) > 0;
 }
 
 }  // namespace mailclient

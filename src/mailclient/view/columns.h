@@ -31,8 +31,10 @@ using TimeText = std::function<String(Date utc)>;
 String cellText(const Message& message, Column column, const TimeText& timeText);
 // The time that a column shows; 0 when it has none.
 Date timeOf(const Message& message, Column column);
-// Below 0, 0 or above 0. What is the same in the column is in the order of its time, newest first.
+// Below 0, 0 or above 0.
 int compare(const Message& a, const Message& b, Column column);
+// Among those that are the same in the column the newest comes first, whichever way they are sorted.
+bool isNewer(const Message& a, const Message& b, Column column);
 
 // On one line: line breaks and tabs are blanks.
 String oneLine(StringView text);

@@ -57,16 +57,27 @@ bool labelIsBold(const Store& store, const Folder& folder) { return shownCount(s
 
 String folderPath(const Folder& folder) {
   String path;
-  for (const String& name : folder.path()) path += path.empty() ? name : u"/" + name;
+  for (const String& name : folder.path()) {
+    if (!path.empty()) path += u'/';
+    for (const char16_t c : name) {
+      if (c == u'/' || c == u'\\') path += u'\\';
+      path += c;
+    }
+  }
   return path;
 }
 
 std::shared_ptr<Folder> folderAt(const Store& store, StringView path) {
   std::shared_ptr<Folder> folder = store.root();
   while (folder && !path.empty()) {
-    const std::size_t end = path.find(u'/');
-    folder = folder->child(path.substr(0, end));
-    path = end == StringView::npos ? StringView() : path.substr(end + 1);
+    String name;
+    std::size_t at = 0;
+    for (; at < path.size() && path[at] != u'/'; ++at) {
+      if (path[at] == u'\\' && at + 1 < path.size()) ++at;
+      name += path[at];
+    }
+    folder = folder->child(name);
+    path.remove_prefix(std::min(at + 1, path.size()));
   }
   return folder;
 }

@@ -14,7 +14,8 @@ std::vector<std::shared_ptr<Folder>> shownChildren(const Store& store, const Fol
 String folderLabel(const Store& store, const Folder& folder);
 bool labelIsBold(const Store& store, const Folder& folder);
 
-// The names on the way down, with "/" between; and the folder there, null when it has gone.
+// The names on the way down, with "/" between (and "\" before a "/" or "\" of a name); and the folder there, null when
+// it has gone.
 String folderPath(const Folder& folder);
 std::shared_ptr<Folder> folderAt(const Store& store, StringView path);
 

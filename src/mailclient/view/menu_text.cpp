@@ -15,6 +15,8 @@ std::vector<MenuEntry> menuEntries(const Bar& bar) {
     entry.control = control;
     entry.text = control->caption;
     entry.enabled = control->enabled;
+    entry.faceId = control->faceId;
+    entry.style = control->style;
     if (control->popup) {
       entry.below = menuEntries(*control->popup);
       if (entry.below.empty()) continue;
@@ -43,7 +45,8 @@ String hintOf(const Control& control) {
 bool looksSame(const std::vector<MenuEntry>& a, const std::vector<MenuEntry>& b) {
   return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](const MenuEntry& x, const MenuEntry& y) {
     return x.control == y.control && x.text == y.text && x.enabled == y.enabled && x.checked == y.checked &&
-           x.separatorBefore == y.separatorBefore && looksSame(x.below, y.below);
+           x.faceId == y.faceId && x.style == y.style && x.separatorBefore == y.separatorBefore &&
+           looksSame(x.below, y.below);
   });
 }
 

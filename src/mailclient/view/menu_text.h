@@ -10,6 +10,8 @@ namespace mailclient {
 struct MenuEntry {
   ControlPtr control;
   String text;  // with "&" before the letter that chooses it, and the keys behind a tab
+  std::int32_t faceId = 0;
+  std::int32_t style = 0;
   bool enabled = true;
   bool checked = false;
   bool separatorBefore = false;

@@ -27,6 +27,7 @@ void MessageList::show(std::shared_ptr<Folder> folder, Sorting sorting) {
 
 bool MessageList::before(const MessagePtr& a, const MessagePtr& b) const {
   const int order = compare(*a, *b, sorting_.column);
+  if (order == 0) return isNewer(*a, *b, sorting_.column);
   return sorting_.descending ? order > 0 : order < 0;
 }
 

@@ -36,12 +36,16 @@ String textSubject(StringView body) {
 }
 
 String recipientOf(const Message& message) {
-  if (!message.unsent && !message[Text::SenderName].empty()) return message[Text::SenderName];
+  const auto isAddress = [](const String& text) { return text.find(u'[') != String::npos; };
+  const String& sender = message[Text::SenderName];
+  // Of what was sent from here the sender is the user, by name alone.
+  const bool wentOut = !isAddress(sender) && isAddress(message[Text::To]);
+  if (!message.unsent && !sender.empty() && !wentOut) return sender;
   if (!message[Text::To].empty()) return message[Text::To];
   // Without an address the topic is only the subject.
   const String& topic = message[Text::ConversationTopic];
   const String address = topic.substr(0, topic.find(endOfAddress));
-  return address.find(u'[') == String::npos ? String() : address;
+  return isAddress(address) ? address : String();
 }
 
 void writeTextMessage(Message& message, StringView address, StringView body) {

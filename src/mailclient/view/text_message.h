@@ -15,7 +15,7 @@ bool opensAsTextMessage(const Store& store, const Message& message);
 // The first ten characters on one line, and "...": what received text messages have too. Empty for an empty text.
 String textSubject(StringView body);
 
-// The recipient of an item that is being written, or whom a received one came from: the display address.
+// The recipient of an item that is being written or was sent, or whom a received one came from: the display address.
 String recipientOf(const Message& message);
 
 // Puts recipient and text into the item. The recipient stands in the topic as well, where the phone's side looks for

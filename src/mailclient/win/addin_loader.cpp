@@ -127,7 +127,10 @@ class LoadedAddIn {
   com::Ptr<com::IDTExtensibility2> addIn_;
 };
 
-AddInLoader::~AddInLoader() = default;
+// What other programs still hold of an add-in can no longer be wired to anything.
+AddInLoader::~AddInLoader() {
+  for (const AddInPtr& entry : client_.addIns().entries) entry->wire = nullptr;
+}
 
 std::shared_ptr<LoadedAddIn> AddInLoader::find(const String& progId) const {
   const auto at =
@@ -135,16 +138,18 @@ std::shared_ptr<LoadedAddIn> AddInLoader::find(const String& progId) const {
   return at == loaded_.end() ? nullptr : *at;
 }
 
-void AddInLoader::connect(const String& progId, ConnectMode mode) {
+// By value: the name may be that of the wire itself.
+void AddInLoader::connect(String progId, ConnectMode mode) {
   if (find(progId)) return;
   AddInPtr entry = client_.addIns().find(progId);
   if (!entry) entry = client_.addIns().add(progId, progId);
-  entry->wire = [this, progId](bool on) {
-    if (on)
-      connect(progId, ConnectMode::AfterStartup);
-    else
-      disconnect(progId, static_cast<std::int32_t>(RemoveMode::UserClosed));
-  };
+  if (!entry->wire)
+    entry->wire = [this, progId](bool on) {
+      if (on)
+        connect(progId, ConnectMode::AfterStartup);
+      else
+        disconnect(progId, static_cast<std::int32_t>(RemoveMode::UserClosed));
+    };
   const auto addIn = std::make_shared<LoadedAddIn>(progId, entry);
   loaded_.push_back(addIn);
   addIn->connect(client_, mode);
@@ -164,7 +169,7 @@ void AddInLoader::loadAtStartup() {
   for (const auto& addIn : std::vector(loaded_)) addIn->startupComplete();
 }
 
-void AddInLoader::disconnect(const String& progId, std::int32_t removeMode) {
+void AddInLoader::disconnect(String progId, std::int32_t removeMode) {
   const auto addIn = find(progId);
   if (!addIn) fail(failure::notFound, u"There is no such add-in");
   std::erase(loaded_, addIn);
@@ -174,8 +179,7 @@ void AddInLoader::disconnect(const String& progId, std::int32_t removeMode) {
 
 void AddInLoader::shutDown() {
   for (const auto& addIn : std::vector(loaded_)) addIn->beginShutdown();
-  while (!loaded_.empty())
-    disconnect(String(loaded_.back()->progId()), static_cast<std::int32_t>(RemoveMode::HostShutdown));
+  while (!loaded_.empty()) disconnect(loaded_.back()->progId(), static_cast<std::int32_t>(RemoveMode::HostShutdown));
 }
 
 }  // namespace mailclient::win

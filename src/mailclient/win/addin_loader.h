@@ -24,8 +24,8 @@ class AddInLoader {
   void loadAtStartup();
   // One add-in, switched on by the user, or off (remove mode 1). The mail client remembers that in LoadBehavior: 3
   // becomes 2, and 2 becomes 3. Error 429 when it cannot be created.
-  void connect(const String& progId, ConnectMode mode);
-  void disconnect(const String& progId, std::int32_t removeMode);
+  void connect(String progId, ConnectMode mode);
+  void disconnect(String progId, std::int32_t removeMode);
   // OnBeginShutdown for each, then OnDisconnection.
   void shutDown();
 

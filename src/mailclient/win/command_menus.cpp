@@ -1,6 +1,7 @@
 #include "mailclient/win/command_menus.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "mailclient/built_in_commands.h"
 #include "mailclient/console.h"
@@ -46,9 +47,10 @@ void forEachEntry(const std::vector<MenuEntry>& entries, const std::function<voi
 
 }  // namespace
 
-CommandMenus::~CommandMenus() {
-  if (menu_ && frame_ && IsWindow(frame_)) SetMenu(frame_, nullptr);
-  if (menu_) DestroyMenu(menu_);
+void CommandMenus::detach() {
+  if (!menu_) return;
+  SetMenu(frame_, nullptr);
+  DestroyMenu(std::exchange(menu_, nullptr));
 }
 
 void CommandMenus::attach(HWND frame) {
@@ -148,9 +150,10 @@ void CommandMenus::refresh() {
     shownMenu_ = std::move(menu);
   }
   if (!looksSame(tools, shownTools_)) {
-    const bool sameButtons =
-        std::equal(tools.begin(), tools.end(), shownTools_.begin(), shownTools_.end(),
-                   [](const MenuEntry& a, const MenuEntry& b) { return a.control == b.control && a.text == b.text; });
+    const bool sameButtons = std::equal(tools.begin(), tools.end(), shownTools_.begin(), shownTools_.end(),
+                                        [](const MenuEntry& a, const MenuEntry& b) {
+                                          return a.control == b.control && a.text == b.text && a.faceId == b.faceId;
+                                        });
     if (!sameButtons) fillToolbar(tools);
     for (const MenuEntry& entry : tools)
       SendMessageW(toolbar_, TB_ENABLEBUTTON, idOf(entry.control), MAKELPARAM(entry.enabled, 0));

@@ -13,9 +13,11 @@ class CommandMenus {
   explicit CommandMenus(BarSet& bars) : bars_(bars) {}
   CommandMenus(const CommandMenus&) = delete;
   CommandMenus& operator=(const CommandMenus&) = delete;
-  ~CommandMenus();
+  ~CommandMenus() { detach(); }
 
   void attach(HWND frame);
+  // While the window is still there: a menu that goes with it must not be destroyed a second time.
+  void detach();
   HWND toolbar() const { return toolbar_; }
   // Makes menus and toolbar anew where they no longer look as the command bars say. Not while a menu is open.
   void refresh();

@@ -30,14 +30,16 @@ void Dialog::opened() {
   RECT frame{0, 0, size.cx, size.cy};
   AdjustWindowRectEx(&frame, static_cast<DWORD>(GetWindowLongPtrW(handle_, GWL_STYLE)), FALSE,
                      static_cast<DWORD>(GetWindowLongPtrW(handle_, GWL_EXSTYLE)));
+  placeOver(GetWindow(handle_, GW_OWNER), handle_, widthOf(frame), heightOf(frame));
+}
+
+void placeOver(HWND owner, HWND dialog, int width, int height) {
   RECT over{};
-  const HWND owner = GetWindow(handle_, GW_OWNER);
   if (owner && !IsIconic(owner))
     GetWindowRect(owner, &over);
   else
     SystemParametersInfoW(SPI_GETWORKAREA, 0, &over, 0);
-  place(handle_, over.left + (widthOf(over) - widthOf(frame)) / 2, over.top + (heightOf(over) - heightOf(frame)) / 3,
-        widthOf(frame), heightOf(frame));
+  place(dialog, over.left + (widthOf(over) - width) / 2, over.top + (heightOf(over) - height) / 3, width, height);
 }
 
 INT_PTR CALLBACK Dialog::procedure(HWND window, UINT message, WPARAM wide, LPARAM extra) {

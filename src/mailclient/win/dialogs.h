@@ -31,6 +31,9 @@ class Dialog {
   String title_;
 };
 
+// Where a dialog of this size goes over the window that it belongs to, or on the screen without one.
+void placeOver(HWND owner, HWND dialog, int width, int height);
+
 // A line of text from the user; false when cancelled or empty.
 bool askForText(HWND owner, const String& title, const String& question, String& text);
 

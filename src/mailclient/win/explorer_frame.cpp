@@ -13,6 +13,7 @@ namespace {
 enum ControlId : int { idTree = 101, idList = 102, idPane = 110, idStatus = 120 };
 constexpr UINT refreshMenus = WM_APP + 11;
 constexpr UINT refreshTree = WM_APP + 12;
+constexpr UINT leaveFolder = WM_APP + 13;
 constexpr int gap = 5;  // between the panes: there the user drags
 
 }  // namespace
@@ -77,7 +78,12 @@ void ExplorerFrame::rememberPlace() {
   shell_.putSetting(u"explorer.folder", folderPath(*window_->folder));
 }
 
-void ExplorerFrame::close() { destroy(); }
+void ExplorerFrame::close() {
+  list_.detach();
+  tree_.detach();
+  menus_.detach();
+  destroy();
+}
 
 void ExplorerFrame::toFront() {
   if (IsIconic(handle())) ShowWindow(handle(), SW_RESTORE);
@@ -139,12 +145,14 @@ void ExplorerFrame::selectionChanged() {
 }
 
 void ExplorerFrame::showItem() {
-  const auto chosen = selected();
-  const MessagePtr one = chosen.size() == 1 ? chosen.front() : nullptr;
-  if (one != shown_) {
-    markShownAsRead();
-    shown_ = one;
+  const auto onlyOne = [](const std::vector<MessagePtr>& all) { return all.size() == 1 ? all.front() : nullptr; };
+  auto chosen = selected();
+  if (onlyOne(chosen) != shown_) {
+    markShownAsRead();  // those who hear that may select something else
+    chosen = selected();
   }
+  const MessagePtr one = onlyOne(chosen);
+  shown_ = one;
   String why;
   if (chosen.size() > 1)
     why = platform::concat(static_cast<std::int32_t>(chosen.size()), StringView(u" items are selected."));
@@ -172,10 +180,7 @@ void ExplorerFrame::removeSelected() {
   const auto chosen = selected();
   const MessagePtr next = list_.model().neighbourOfSelection();
   shown_ = nullptr;  // an unread item that is deleted stays unread
-  attempt(shell_, handle(), [&] {
-    for (const MessagePtr& message : chosen)
-      if (!message->gone) shell_.client().store().remove(message);
-  });
+  attempt(shell_, handle(), [&] { shell_.client().store().removeAll(chosen); });
   if (!handle() || chosen.empty()) return;
   if (next && !next->gone) list_.select({next});
   selectionChanged();
@@ -260,10 +265,13 @@ void ExplorerFrame::updateCommands() {
 }
 
 void ExplorerFrame::refreshCommands() {
-  if (!std::exchange(staleMenus_, true)) PostMessageW(handle(), refreshMenus, 0, 0);
+  if (handle() && !std::exchange(staleMenus_, true)) PostMessageW(handle(), refreshMenus, 0, 0);
 }
 
 void ExplorerFrame::foldersChanged() {
+  if (!handle()) return;
+  // The folder was deleted, by a program: there is nothing to show of it.
+  if (window_->folder->isGone() && !std::exchange(homeless_, true)) PostMessageW(handle(), leaveFolder, 0, 0);
   if (!std::exchange(staleTree_, true)) PostMessageW(handle(), refreshTree, 0, 0);
 }
 
@@ -341,6 +349,8 @@ void ExplorerFrame::onSplitter(UINT message, LPARAM where) {
 LRESULT ExplorerFrame::onActivate(bool active) {
   if (!active) focus_ = GetFocus();
   if (active && !IsIconic(handle())) SetFocus(handle());
+  // The commands are shared by all windows: they speak of the one that is in front.
+  if (active && list_.handle()) updateCommands();
   if (active)
     shell_.client().windows().activated(window_);
   else
@@ -391,6 +401,10 @@ LRESULT ExplorerFrame::onMessage(UINT message, WPARAM wide, LPARAM extra) {
       staleTree_ = false;
       tree_.refresh();
       showCounts();
+      return 0;
+    case leaveFolder:
+      homeless_ = false;
+      if (window_->folder->isGone()) chooseFolder(shell_.client().store().defaultFolder(DefaultFolder::Inbox));
       return 0;
     case WM_ENTERMENULOOP:
       inMenu_ = true;

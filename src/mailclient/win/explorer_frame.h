@@ -73,6 +73,7 @@ class ExplorerFrame final : public Window {
   bool inMenu_ = false;
   bool staleMenus_ = false;
   bool staleTree_ = false;
+  bool homeless_ = false;  // its folder has gone, and it is on its way to another
 };
 
 }  // namespace mailclient::win

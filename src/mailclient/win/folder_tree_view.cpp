@@ -28,6 +28,11 @@ FolderTreeView::FolderTreeView(Store& store, std::function<void(const std::share
     : store_(store), chosen_(std::move(chosen)), stale_(std::move(stale)) {}
 FolderTreeView::~FolderTreeView() = default;
 
+void FolderTreeView::detach() {
+  tree_ = nullptr;
+  nodes_.clear();
+}
+
 void FolderTreeView::attach(HWND frame, int id) {
   tree_ = makeControl(frame, WC_TREEVIEWW, L"Folders",
                       WS_TABSTOP | TVS_HASBUTTONS | TVS_LINESATROOT | TVS_HASLINES | TVS_SHOWSELALWAYS, id,

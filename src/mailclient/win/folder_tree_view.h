@@ -18,6 +18,8 @@ class FolderTreeView {
   ~FolderTreeView();
 
   void attach(HWND frame, int id);
+  // Follows no folder any more: the window goes, the object perhaps later.
+  void detach();
   HWND handle() const { return tree_; }
   void refresh();
   void show(const std::shared_ptr<Folder>& folder);

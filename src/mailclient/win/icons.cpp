@@ -36,11 +36,13 @@ Icons::Icons() {
 }
 
 HICON Icons::icon(Art art, int size) {
+  HICON& icon = icons_[{art, size}];
+  if (icon) return icon;
   ICONINFO info{};
   info.fIcon = TRUE;
   info.hbmColor = bitmapOf(draw(art, size));
   info.hbmMask = CreateBitmap(size, size, 1, 1, nullptr);
-  const HICON icon = CreateIconIndirect(&info);
+  icon = CreateIconIndirect(&info);
   DeleteObject(info.hbmColor);
   DeleteObject(info.hbmMask);
   return icon;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cwchar>
+#include <utility>
 
 namespace mailclient::win {
 namespace {
@@ -78,6 +79,7 @@ HWND InspectorFrame::addBody(const String& text, bool readOnly, int id) {
   SendMessageW(body, EM_SETMARGINS, EC_LEFTMARGIN | EC_RIGHTMARGIN, MAKELPARAM(scaled(6), scaled(6)));
   SendMessageW(body, EM_SETLIMITTEXT, 0, 0);
   SetWindowTextW(body, wide(text));
+  text_ = body;
   return body;
 }
 
@@ -104,6 +106,11 @@ void InspectorFrame::layout() {
   layoutBelow({0, top + scaled(2), area.right, area.bottom});
 }
 
+void InspectorFrame::removeItem() {
+  const MessagePtr item = messagePtr();
+  shell_.client().store().remove(item, [&] { shell_.client().windows().closeInspectorsOf(item); });
+}
+
 bool InspectorFrame::onKey(WPARAM key, bool control) {
   if (key == VK_ESCAPE) {
     PostMessageW(handle(), WM_CLOSE, 0, 0);
@@ -125,16 +132,31 @@ bool InspectorFrame::onKey(WPARAM key, bool control) {
   return false;
 }
 
+template <class F>
+void InspectorFrame::alone(F&& action) {
+  if (std::exchange(busy_, true)) return;
+  struct AtEnd {
+    bool& flag;
+    ~AtEnd() { flag = false; }
+  } const atEnd{busy_};
+  action();
+}
+
 bool InspectorFrame::mayClose() {
-  if (message().gone || !isChanged()) return true;
-  const int answer =
-      MessageBoxW(handle(), L"Do you want to save the changes?", wide(title()), MB_YESNOCANCEL | MB_ICONQUESTION);
-  if (answer == IDYES) attempt(shell_, handle(), [&] { save(); });
-  return answer == IDNO || (answer == IDYES && !isChanged());
+  bool may = false;
+  alone([&] {
+    may = message().gone || !isChanged();
+    if (may) return;
+    const int answer =
+        MessageBoxW(handle(), L"Do you want to save the changes?", wide(title()), MB_YESNOCANCEL | MB_ICONQUESTION);
+    if (answer == IDYES) attempt(shell_, handle(), [&] { save(); });
+    may = answer == IDNO || (answer == IDYES && !isChanged());
+  });
+  return may;
 }
 
 LRESULT InspectorFrame::onClose() {
-  if (!mayClose()) return 0;
+  if (!mayClose() || !handle()) return 0;
   const RECT area = [&] {
     WINDOWPLACEMENT now{};
     now.length = sizeof now;
@@ -176,7 +198,7 @@ LRESULT InspectorFrame::onMessage(UINT what, WPARAM wide, LPARAM extra) {
       return 0;
     case WM_COMMAND:
       if (LOWORD(wide) >= firstTool) {
-        attempt(shell_, handle(), [&] { run(LOWORD(wide) - firstTool); });
+        alone([&] { attempt(shell_, handle(), [&] { run(LOWORD(wide) - firstTool); }); });
         return 0;
       }
       if (extra != 0) changed(LOWORD(wide), HIWORD(wide));
@@ -184,10 +206,18 @@ LRESULT InspectorFrame::onMessage(UINT what, WPARAM wide, LPARAM extra) {
     case WM_NOTIFY:
       if (auto& header = *reinterpret_cast<NMHDR*>(extra); header.code == TTN_GETDISPINFOW) return onTip(header);
       return 0;
+    // Text to be read stands on paper, as in the reading pane.
+    case WM_CTLCOLORSTATIC:
+      if (reinterpret_cast<HWND>(extra) != text_) return byDefault(what, wide, extra);
+      SetBkColor(reinterpret_cast<HDC>(wide), GetSysColor(COLOR_WINDOW));
+      return reinterpret_cast<LRESULT>(GetSysColorBrush(COLOR_WINDOW));
     case WM_ACTIVATE:
       return onActivate(LOWORD(wide) != WA_INACTIVE);
     case WM_CLOSE:
       return onClose();
+    // The user logs off; a text that is being written may hold that up.
+    case WM_QUERYENDSESSION:
+      return mayClose() ? TRUE : FALSE;
     default:
       return byDefault(what, wide, extra);
   }

@@ -50,6 +50,8 @@ class InspectorFrame : public Window {
   Message& message() { return *window_->message; }
   const Message& message() const { return *window_->message; }
   const MessagePtr& messagePtr() const { return window_->message; }
+  // Deletes the item; its windows close before anybody hears of it.
+  void removeItem();
   void retitle() { SetWindowTextW(handle(), wide(title())); }
   void layout();
 
@@ -58,6 +60,9 @@ class InspectorFrame : public Window {
  private:
   void createTools();
   bool mayClose();
+  // One thing at a time: what is pressed while a command or a question of this window is still at work does not count.
+  template <class F>
+  void alone(F&& action);
   LRESULT onClose();
   LRESULT onActivate(bool active);
   LRESULT onTip(NMHDR& header);
@@ -65,7 +70,9 @@ class InspectorFrame : public Window {
   Shell& shell_;
   InspectorPtr window_;
   HWND toolbar_ = nullptr;
+  HWND text_ = nullptr;  // the body's control
   HWND focus_ = nullptr;
+  bool busy_ = false;
   std::vector<Field> fields_;
 };
 

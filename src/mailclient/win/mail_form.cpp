@@ -88,7 +88,6 @@ bool MailForm::run(int id) {
   switch (id) {
     case toolSend: {
       take();
-      noteSaved();
       const Ref<Item> item = shell().client().itemObject(messagePtr());
       if (auto* const mail = dynamic_cast<MailItem*>(item.get())) mail->send();
       return true;
@@ -104,8 +103,7 @@ bool MailForm::run(int id) {
                                                         : Answer::Forward);
       return true;
     case toolDelete:
-      shell().client().store().remove(messagePtr());
-      shell().client().windows().closeInspectorsOf(messagePtr());
+      removeItem();
       return true;
     default:
       return false;
@@ -147,8 +145,7 @@ bool ContactForm::run(int id) {
     return true;
   }
   if (id != toolDelete) return false;
-  shell().client().store().remove(messagePtr());
-  shell().client().windows().closeInspectorsOf(messagePtr());
+  removeItem();
   return true;
 }
 

@@ -9,8 +9,10 @@
 #include "com/bridge.h"
 #include "mailclient/console.h"
 #include "mailclient/maildir.h"
+#include "mailclient/text_coding.h"
 #include "mailclient/win/headless.h"
 #include "mailclient/win/mapi_face.h"
+#include "mailclient/win/ui.h"
 #include "mailclient/win/window_program.h"
 #include "mailclient/win/windows_environment.h"
 
@@ -94,6 +96,10 @@ int wmain(int count, wchar_t** texts) {
   int code = 1;
   try {
     code = run(arguments);
+  } catch (const mailclient::RuntimeError& error) {
+    std::fprintf(stderr, "mailclient: %s\n", mailclient::toUtf8(error.description).c_str());
+    if (!arguments.headless && !arguments.console)
+      MessageBoxW(nullptr, mailclient::win::wide(error.description), L"Mail Client", MB_OK | MB_ICONEXCLAMATION);
   } catch (const std::exception& error) {
     std::fprintf(stderr, "mailclient: %s\n", error.what());
   }

@@ -46,6 +46,11 @@ void MessageListView::attach(HWND frame, int id) {
   SendMessageW(list_, LVM_SETIMAGELIST, LVSIL_SMALL, reinterpret_cast<LPARAM>(Icons::instance().list()));
 }
 
+void MessageListView::detach() {
+  list_ = nullptr;
+  model_.show(nullptr, model_.sorting());
+}
+
 String MessageListView::settingName() const {
   const std::string kind = std::to_string(static_cast<int>(kind_));
   return u"columns." + String(kind.begin(), kind.end());

@@ -22,6 +22,8 @@ class MessageListView {
   MessageListView& operator=(const MessageListView&) = delete;
 
   void attach(HWND frame, int id);
+  // Follows no folder any more: the window goes, the object perhaps later.
+  void detach();
   HWND handle() const { return list_; }
   void show(const std::shared_ptr<Folder>& folder);
   const MessageList& model() const { return model_; }

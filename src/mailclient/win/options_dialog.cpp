@@ -3,10 +3,12 @@
 #include <algorithm>
 
 #include "com/errors.h"
+#include "mailclient/win/dialogs.h"
 #include "mailclient/win/property_page_host.h"
 
 // After our own windows header on purpose.
 #include <prsht.h>
+#include <shellapi.h>
 
 namespace mailclient::win {
 namespace {
@@ -38,7 +40,7 @@ class Page {
   HPROPSHEETPAGE create() {
     PROPSHEETPAGEW page{};
     page.dwSize = sizeof page;
-    page.dwFlags = PSP_DLGINDIRECT | PSP_USETITLE;
+    page.dwFlags = PSP_DLGINDIRECT | PSP_USETITLE | (hasHelp() ? PSP_HASHELP : 0);
     page.hInstance = GetModuleHandleW(nullptr);
     page.pResource = &template_.dialog;
     page.pszTitle = wide(title_);
@@ -49,10 +51,16 @@ class Page {
 
  protected:
   HWND handle() const { return handle_; }
-  void touched() { SendMessageW(GetParent(handle_), PSM_CHANGED, reinterpret_cast<WPARAM>(handle_), 0); }
+  // Whether there is something to apply.
+  void setDirty(bool dirty) {
+    SendMessageW(GetParent(handle_), dirty ? PSM_CHANGED : PSM_UNCHANGED, reinterpret_cast<WPARAM>(handle_), 0);
+  }
   virtual void opened() = 0;
   virtual void command(int) {}
-  virtual void apply() = 0;
+  // False when it could not be done: the dialog stays then.
+  virtual bool apply() = 0;
+  virtual bool hasHelp() { return false; }
+  virtual void help() {}
   virtual void closed() {}
 
  private:
@@ -71,8 +79,7 @@ class Page {
           self->command(LOWORD(wide));
           return TRUE;
         case WM_NOTIFY:
-          if (reinterpret_cast<NMHDR*>(extra)->code == static_cast<UINT>(PSN_APPLY)) self->apply();
-          return TRUE;
+          return self->notice(reinterpret_cast<NMHDR*>(extra)->code);
         case WM_DESTROY:
           self->closed();
           return FALSE;
@@ -80,6 +87,13 @@ class Page {
           return FALSE;
       }
     });
+  }
+
+  INT_PTR notice(UINT code) {
+    if (code == PSN_HELP) help();
+    if (code == PSN_APPLY)
+      SetWindowLongPtrW(handle_, DWLP_MSGRESULT, apply() ? PSNRET_NOERROR : PSNRET_INVALID_NOCHANGEPAGE);
+    return TRUE;
   }
 
   String title_;
@@ -100,11 +114,12 @@ class GeneralPage final : public Page {
     SendMessageW(assistant_, BM_SETCHECK, shell_.client().assistant().on ? BST_CHECKED : BST_UNCHECKED, 0);
   }
   void command(int id) override {
-    if (id == idAssistant) touched();
+    if (id == idAssistant) setDirty(true);
   }
-  void apply() override {
+  bool apply() override {
     shell_.client().assistant().on = SendMessageW(assistant_, BM_GETCHECK, 0, 0) == BST_CHECKED;
     shell_.client().assistant().visible = shell_.client().assistant().on;
+    return true;
   }
 
  private:
@@ -120,10 +135,25 @@ class GuestPage final : public Page {
 
  protected:
   void opened() override {
-    host_->show(handle(), clientArea(handle()), [this] { touched(); });
+    attempt(shell_, handle(),
+            [&] { host_->show(handle(), clientArea(handle()), [this] { setDirty(host_->isDirty()); }); });
   }
-  void apply() override {
-    attempt(shell_, handle(), [&] { host_->apply(); });
+  bool apply() override {
+    bool done = false;
+    attempt(shell_, handle(), [&] {
+      host_->apply();
+      done = true;
+    });
+    return done;
+  }
+  bool hasHelp() override { return !host_->helpFile().empty(); }
+  void help() override {
+    const String file = host_->helpFile();
+    const auto result =
+        reinterpret_cast<INT_PTR>(ShellExecuteW(handle(), L"open", wide(file), nullptr, nullptr, SW_SHOWNORMAL));
+    constexpr INT_PTR lastError = 32;
+    if (result <= lastError)
+      attempt(shell_, handle(), [&] { fail(failure::notFound, u"The help file cannot be opened: " + file); });
   }
   void closed() override { host_->close(); }
 
@@ -131,6 +161,15 @@ class GuestPage final : public Page {
   Shell& shell_;
   std::unique_ptr<PropertyPageHost> host_;
 };
+
+// The system puts the sheet into the owner's corner, over its menus.
+int CALLBACK sheetChanged(HWND sheet, UINT what, LPARAM) {
+  if (what != PSCB_INITIALIZED) return 0;
+  RECT now{};
+  GetWindowRect(sheet, &now);
+  placeOver(GetWindow(sheet, GW_OWNER), sheet, widthOf(now), heightOf(now));
+  return 0;
+}
 
 }  // namespace
 
@@ -144,7 +183,8 @@ void showOptions(Shell& shell, HWND owner) {
   for (const auto& page : pages) handles.push_back(page->create());
   PROPSHEETHEADERW sheet{};
   sheet.dwSize = sizeof sheet;
-  sheet.dwFlags = PSH_NOCONTEXTHELP;
+  sheet.dwFlags = PSH_NOCONTEXTHELP | PSH_USECALLBACK;
+  sheet.pfnCallback = &sheetChanged;
   sheet.hwndParent = owner;
   sheet.hInstance = GetModuleHandleW(nullptr);
   sheet.pszCaption = L"Options";

@@ -3,27 +3,11 @@
 #include "com/bridge.h"
 #include "com/com_object.h"
 #include "com/create_object.h"
+#include "com/property_page.h"
 #include "mailclient/application.h"
 
 namespace mailclient::win {
-
-// What a page asks its site for, as the mail client declares it.
-struct PageSite : IDispatch {
-  virtual HRESULT STDMETHODCALLTYPE get_Application(IDispatch** application) = 0;
-  virtual HRESULT STDMETHODCALLTYPE get_Class(LONG* number) = 0;
-  virtual HRESULT STDMETHODCALLTYPE get_Session(IDispatch** session) = 0;
-  virtual HRESULT STDMETHODCALLTYPE get_Parent(IDispatch** parent) = 0;
-  virtual HRESULT STDMETHODCALLTYPE OnStatusChange() = 0;
-};
-
-}  // namespace mailclient::win
-
-__CRT_UUID_DECL(mailclient::win::PageSite, 0x0006307F, 0, 0, 0xC0, 0, 0, 0, 0, 0, 0, 0x46)
-
-namespace mailclient::win {
 namespace {
-
-constexpr std::int32_t statusChanged = 0x2100;  // PropertyPageSite.OnStatusChange
 
 // The frame of an in-place active control: a window without menus and tools of its own.
 class Frame final : public com::ComObject<IOleInPlaceFrame> {
@@ -58,16 +42,16 @@ class Frame final : public com::ComObject<IOleInPlaceFrame> {
 };
 
 // Where the control lives: its client site, its place in the window, and the mail client's site for pages.
-class Site final : public com::ComObject<IOleClientSite, IOleInPlaceSite, PageSite> {
+class Site final : public com::ComObject<IOleClientSite, IOleInPlaceSite, com::PropertyPageSite> {
  public:
-  Site(HWND window, const RECT& area, MailClient& client, std::function<void()> touchedThen)
-      : touched(std::move(touchedThen)),
+  Site(HWND window, const RECT& area, MailClient& client, std::function<void()> statusChangedThen)
+      : statusChanged(std::move(statusChangedThen)),
         window_(window),
         area_(area),
         client_(client),
         frame_(com::makeCom<Frame>(window)) {}
 
-  std::function<void()> touched;
+  std::function<void()> statusChanged;
 
   // IOleClientSite
   STDMETHODIMP SaveObject() override { return S_OK; }
@@ -117,11 +101,11 @@ class Site final : public com::ComObject<IOleClientSite, IOleInPlaceSite, PageSi
   STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
   STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids) override {
     if (count != 1 || !sameName(view(names[0]), u"OnStatusChange")) return DISP_E_UNKNOWNNAME;
-    ids[0] = statusChanged;
+    ids[0] = com::onStatusChangeId;
     return S_OK;
   }
   STDMETHODIMP Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*) override {
-    return id == statusChanged ? OnStatusChange() : DISP_E_MEMBERNOTFOUND;
+    return id == com::onStatusChangeId ? OnStatusChange() : DISP_E_MEMBERNOTFOUND;
   }
   STDMETHODIMP get_Application(IDispatch** application) override {
     return com::guarded([&]() -> HRESULT {
@@ -142,7 +126,7 @@ class Site final : public com::ComObject<IOleClientSite, IOleInPlaceSite, PageSi
   STDMETHODIMP get_Parent(IDispatch** parent) override { return get_Application(parent); }
   STDMETHODIMP OnStatusChange() override {
     return com::guarded([&]() -> HRESULT {
-      if (touched) touched();
+      if (statusChanged) statusChanged();
       return S_OK;
     });
   }
@@ -150,7 +134,7 @@ class Site final : public com::ComObject<IOleClientSite, IOleInPlaceSite, PageSi
  protected:
   void* find(REFIID iid) override {
     if (iid == IID_IOleWindow) return static_cast<IOleInPlaceSite*>(this);
-    if (iid == IID_IDispatch) return static_cast<PageSite*>(this);
+    if (iid == IID_IDispatch) return static_cast<com::PropertyPageSite*>(this);
     return ComObject::find(iid);
   }
 
@@ -161,52 +145,53 @@ class Site final : public com::ComObject<IOleClientSite, IOleInPlaceSite, PageSi
   com::Ptr<Frame> frame_;
 };
 
-template <class Interface>
-com::Ptr<Interface> query(IUnknown* object) {
-  com::Ptr<Interface> found;
-  object->QueryInterface(__uuidof(Interface), found.putVoid());
-  return found;
-}
-
 class ControlHost final : public PropertyPageHost {
  public:
-  ControlHost(com::Ptr<IOleObject> control, com::Ptr<IDispatch> page, MailClient& client)
+  ControlHost(com::Ptr<IOleObject> control, com::Ptr<com::PropertyPage> page, MailClient& client)
       : control_(std::move(control)), page_(std::move(page)), client_(client) {}
   ~ControlHost() override { close(); }
 
-  void show(HWND parent, const RECT& area, std::function<void()> touched) override {
-    site_ = com::makeCom<Site>(parent, area, client_, std::move(touched));
-    control_->SetClientSite(site_.get());
-    if (const auto start = query<IPersistStreamInit>(control_.get())) start->InitNew();
-    control_->DoVerb(OLEIVERB_INPLACEACTIVATE, nullptr, site_.get(), 0, parent, &area);
-    if (const auto inPlace = query<IOleInPlaceObject>(control_.get())) inPlace->SetObjectRects(&area, &area);
+  String helpFile() override {
+    BSTR file = nullptr;
+    LONG context = 0;
+    if (FAILED(page_->GetPageInfo(&file, &context))) return {};
+    String text = com::textOf(file);
+    SysFreeString(file);
+    return text;
+  }
+
+  void show(HWND parent, const RECT& area, std::function<void()> statusChanged) override {
+    site_ = com::makeCom<Site>(parent, area, client_, std::move(statusChanged));
+    com::check(control_->SetClientSite(site_.get()));
+    if (const auto start = control_.as<IPersistStreamInit>()) start->InitNew();
+    com::check(control_->DoVerb(OLEIVERB_INPLACEACTIVATE, nullptr, site_.get(), 0, parent, &area));
+    if (const auto inPlace = control_.as<IOleInPlaceObject>()) inPlace->SetObjectRects(&area, &area);
   }
 
   // A page that cannot say whether it was changed is asked to store all the same.
+  bool isDirty() override {
+    VARIANT_BOOL dirty = VARIANT_TRUE;
+    return FAILED(page_->get_Dirty(&dirty)) || dirty != VARIANT_FALSE;
+  }
+
   void apply() override {
-    const platform::LateBound page(com::import(page_.get()));
-    bool dirty = true;
-    try {
-      dirty = page.get<bool>(u"Dirty");
-    } catch (const RuntimeError&) {
-    }
-    if (dirty) page.call<void>(u"Apply");
+    if (site_ && isDirty()) com::check(page_->Apply());
   }
 
   void close() override {
     if (!site_) return;
-    if (const auto inPlace = query<IOleInPlaceObject>(control_.get())) inPlace->InPlaceDeactivate();
+    const auto site = std::exchange(site_, nullptr);
+    if (const auto inPlace = control_.as<IOleInPlaceObject>()) inPlace->InPlaceDeactivate();
     control_->Close(OLECLOSE_NOSAVE);
     control_->SetClientSite(nullptr);
-    site_->touched = nullptr;
-    site_ = nullptr;
+    site->statusChanged = nullptr;  // whoever still holds the site calls into nothing
   }
 
  private:
   com::Ptr<IOleObject> control_;
-  com::Ptr<IDispatch> page_;
+  com::Ptr<com::PropertyPage> page_;
   MailClient& client_;
-  com::Ptr<Site> site_;
+  com::Ptr<Site> site_;  // while it is shown
 };
 
 com::Ptr<IDispatch> pageObject(const Variant& page) {
@@ -222,11 +207,11 @@ com::Ptr<IDispatch> pageObject(const Variant& page) {
 
 std::unique_ptr<PropertyPageHost> PropertyPageHost::create(const Variant& page, MailClient& client) {
   try {
-    com::Ptr<IDispatch> object = pageObject(page);
-    if (!object) return nullptr;
-    auto control = query<IOleObject>(object.get());
-    if (!control) return nullptr;
-    return std::make_unique<ControlHost>(std::move(control), std::move(object), client);
+    const com::Ptr<IDispatch> object = pageObject(page);
+    auto control = object.as<IOleObject>();
+    auto propertyPage = object.as<com::PropertyPage>();
+    if (!control || !propertyPage) return nullptr;
+    return std::make_unique<ControlHost>(std::move(control), std::move(propertyPage), client);
   } catch (const RuntimeError&) {
     return nullptr;
   }

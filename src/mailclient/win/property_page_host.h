@@ -15,9 +15,12 @@ class PropertyPageHost {
   static std::unique_ptr<PropertyPageHost> create(const Variant& page, MailClient& client);
   virtual ~PropertyPageHost() = default;
 
-  // Shows the control in a window; `touched` hears that the user changed something.
-  virtual void show(HWND parent, const RECT& area, std::function<void()> touched) = 0;
-  // Lets the page store what the user chose, if it says that there is something.
+  // The file that tells about the page; empty when it names none.
+  virtual String helpFile() = 0;
+  // Shows the control in a window; `statusChanged` hears that isDirty() may have changed.
+  virtual void show(HWND parent, const RECT& area, std::function<void()> statusChanged) = 0;
+  virtual bool isDirty() = 0;
+  // Lets the page store what the user chose, if it says that there is something. Its failure is thrown.
   virtual void apply() = 0;
   virtual void close() = 0;
 };

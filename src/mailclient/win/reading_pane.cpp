@@ -1,5 +1,8 @@
 #include "mailclient/win/reading_pane.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace mailclient::win {
 namespace {
 
@@ -41,7 +44,7 @@ String editText(StringView body) {
 void ReadingPane::attach(HWND frame, int id) {
   subject_ = makeControl(frame, WC_STATICW, L"", SS_LEFT | SS_NOPREFIX | SS_ENDELLIPSIS, id + 1);
   SendMessageW(subject_, WM_SETFONT, reinterpret_cast<WPARAM>(boldFont()), FALSE);
-  header_ = makeControl(frame, WC_STATICW, L"", SS_LEFT | SS_NOPREFIX, id + 2);
+  header_ = makeControl(frame, WC_STATICW, L"", SS_LEFTNOWORDWRAP | SS_NOPREFIX, id + 2);
   body_ = makeControl(frame, WC_EDITW, L"", WS_TABSTOP | WS_VSCROLL | ES_MULTILINE | ES_READONLY | ES_NOHIDESEL, id,
                       WS_EX_CLIENTEDGE);
   SendMessageW(body_, EM_SETMARGINS, EC_LEFTMARGIN | EC_RIGHTMARGIN, MAKELPARAM(scaled(6), scaled(6)));
@@ -49,7 +52,8 @@ void ReadingPane::attach(HWND frame, int id) {
 
 void ReadingPane::layout(const RECT& area) {
   const int margin = scaled(6);
-  const int header = 3 * lineHeight();
+  area_ = area;
+  const int header = headerLines_ * lineHeight();
   int top = area.top + margin;
   place(subject_, area.left + margin, top, widthOf(area) - 2 * margin, lineHeight());
   top += lineHeight() + scaled(3);
@@ -62,16 +66,23 @@ void ReadingPane::setVisible(bool visible) {
   for (const HWND part : {subject_, header_, body_}) ShowWindow(part, visible ? SW_SHOWNA : SW_HIDE);
 }
 
+// Room for the usual three lines, and for a fourth when there is one: the pane does not jump from item to item.
+void ReadingPane::setHeader(const String& text) {
+  setText(header_, text);
+  const auto lines = static_cast<int>(std::count(text.begin(), text.end(), u'\n')) + 1;
+  if (std::exchange(headerLines_, std::max(usualLines, lines)) != headerLines_) layout(area_);
+}
+
 void ReadingPane::show(const MessagePtr& message, const String& why) {
   if (!message) {
     setText(subject_, why);
-    setText(header_, {});
+    setHeader({});
     setText(body_, {});
     return;
   }
   const bool isContact = kindOf((*message)[Text::MessageClass]) == contactKind;
   setText(subject_, oneLine((*message)[isContact ? Text::FullName : Text::Subject]));
-  setText(header_, headerOf(*message, [this](Date utc) { return shell_.timeText(utc); }));
+  setHeader(headerOf(*message, [this](Date utc) { return shell_.timeText(utc); }));
   setText(body_, editText((*message)[Text::Body]));
 }
 

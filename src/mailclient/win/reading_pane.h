@@ -18,10 +18,15 @@ class ReadingPane {
   void show(const MessagePtr& message, const String& why = {});
 
  private:
+  static constexpr int usualLines = 3;
+  void setHeader(const String& text);
+
   Shell& shell_;
   HWND subject_ = nullptr;
   HWND header_ = nullptr;
   HWND body_ = nullptr;
+  int headerLines_ = usualLines;
+  RECT area_{};
 };
 
 // An item's text with the line breaks that an edit control wants.

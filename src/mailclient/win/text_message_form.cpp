@@ -53,7 +53,7 @@ HWND TextMessageForm::firstFocus() const { return isRead() || !textOf(to_).empty
 
 void TextMessageForm::layoutBelow(const RECT& area) {
   const int margin = scaled(8);
-  const int countTop = area.bottom - margin / 2 - lineHeight();
+  const int countTop = isRead() ? area.bottom : area.bottom - margin / 2 - lineHeight();
   place(body_, area.left + margin, area.top, widthOf(area) - 2 * margin, countTop - scaled(5) - area.top);
   place(count_, area.left + margin, countTop, widthOf(area) - 2 * margin, lineHeight());
 }
@@ -76,7 +76,7 @@ void TextMessageForm::showMatches() {
   SendMessageW(matches_, LB_RESETCONTENT, 0, 0);
   for (const AddressEntry& entry : found_)
     SendMessageW(matches_, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(wide(displayAddress(entry))));
-  SendMessageW(matches_, LB_SETCURSEL, 0, 0);
+  if (const auto first = preselected(found_, typed)) SendMessageW(matches_, LB_SETCURSEL, *first, 0);
   RECT r{};
   GetWindowRect(to_, &r);
   MapWindowPoints(nullptr, handle(), reinterpret_cast<POINT*>(&r), 2);
@@ -90,11 +90,16 @@ void TextMessageForm::takeMatch() {
   const auto at = static_cast<std::size_t>(SendMessageW(matches_, LB_GETCURSEL, 0, 0));
   hideMatches();
   if (at >= found_.size()) return;
-  completing_ = true;
-  SetWindowTextW(to_, wide(displayAddress(found_[at])));
+  fillRecipient(displayAddress(found_[at]));
   SendMessageW(to_, EM_SETSEL, 1000, 1000);
-  completing_ = false;
   SetFocus(to_);
+}
+
+// Not the user's typing: nothing is to be completed.
+void TextMessageForm::fillRecipient(const String& address) {
+  completing_ = true;
+  setText(to_, address);
+  completing_ = false;
 }
 
 bool TextMessageForm::onKey(WPARAM key, bool control) {
@@ -122,7 +127,7 @@ void TextMessageForm::changed(int id, int what) {
     if (GetFocus() == matches_) return;
     hideMatches();
     const auto address = isRead() ? std::nullopt : resolveRecipient(book(), textOf(to_));
-    if (address) setText(to_, *address);
+    if (address) fillRecipient(*address);
   }
   if (id == idMatches && what == LBN_SELCHANGE) takeMatch();
   if (id == idMatches && what == LBN_KILLFOCUS) hideMatches();
@@ -131,7 +136,9 @@ void TextMessageForm::changed(int id, int what) {
 // ---- text and item
 // ------------------------------------------------------------------------------------------------------
 
+// What is read has been sent, in whatever parts.
 void TextMessageForm::showCount() {
+  if (isRead()) return;
   const PartCount count = countParts(textOf(body_));
   String text = describe(count);
   if (!count.defaultAlphabet) text += u", special characters";
@@ -144,10 +151,11 @@ bool TextMessageForm::isChanged() const {
 
 // As it was typed, when it means nobody yet.
 void TextMessageForm::save() {
-  const String typed = textOf(to_);
-  writeTextMessage(message(), resolveRecipient(book(), typed).value_or(typed), textOf(body_));
+  if (const auto address = resolveRecipient(book(), textOf(to_))) fillRecipient(*address);
+  const String recipient = textOf(to_);
+  writeTextMessage(message(), recipient, textOf(body_));
   shell().client().store().save(messagePtr());
-  savedTo_ = typed;
+  savedTo_ = recipient;
   savedBody_ = textOf(body_);
   retitle();
 }
@@ -157,13 +165,14 @@ void TextMessageForm::send() {
   if (!address) {
     MessageBoxW(handle(), L"Please enter one recipient: a mobile phone number, or the name of a contact who has one.",
                 wide(title()), MB_OK | MB_ICONINFORMATION);
-    SetFocus(to_);
+    if (handle()) SetFocus(to_);
     return;
   }
   const String text = textOf(body_);
   if (text.empty() && MessageBoxW(handle(), L"The message has no text. Do you want to send it all the same?",
                                   wide(title()), MB_YESNO | MB_ICONQUESTION) != IDYES)
     return;
+  if (!handle()) return;  // closed by a program meanwhile
   writeTextMessage(message(), *address, text);
   const Ref<Item> item = shell().client().itemObject(messagePtr());
   if (auto* const mail = dynamic_cast<MailItem*>(item.get())) mail->send();
@@ -182,8 +191,7 @@ bool TextMessageForm::run(int id) {
       shell().answer(messagePtr(), id == toolReply ? Answer::Reply : Answer::Forward);
       return true;
     case toolDelete:
-      shell().client().store().remove(messagePtr());
-      shell().client().windows().closeInspectorsOf(messagePtr());
+      removeItem();
       return true;
     default:
       return false;

@@ -30,6 +30,7 @@ class TextMessageForm final : public InspectorFrame {
   void hideMatches() { ShowWindow(matches_, SW_HIDE); }
   bool matchesShown() const { return matches_ && IsWindowVisible(matches_); }
   void takeMatch();
+  void fillRecipient(const String& address);
   void send();
   std::vector<AddressEntry> book() const;
 

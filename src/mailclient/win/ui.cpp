@@ -1,6 +1,7 @@
 #include "mailclient/win/ui.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <cwchar>
 #include <utility>
 
@@ -154,20 +155,27 @@ LRESULT CALLBACK Window::procedure(HWND window, UINT message, WPARAM wide, LPARA
     SetWindowLongPtrW(window, GWLP_USERDATA, 0);
     return DefWindowProcW(window, message, wide, extra);
   }
-  ++self->serving_;
-  const LRESULT result = com::guardedOr<LRESULT>(0, [&] { return self->onMessage(message, wide, extra); });
-  --self->serving_;
-  return result;
+  const Serving serving(*self);
+  return com::guardedOr<LRESULT>(0, [&] { return self->onMessage(message, wide, extra); });
 }
 
+// The placement counts from the corner of the work area, a new window's place from the corner of the screen.
 String placeText(HWND window) {
   WINDOWPLACEMENT now{};
   now.length = sizeof now;
   GetWindowPlacement(window, &now);
-  const RECT& r = now.rcNormalPosition;
+  RECT r = now.rcNormalPosition;
+  MONITORINFO monitor{};
+  monitor.cbSize = sizeof monitor;
+  if (now.showCmd == SW_SHOWNORMAL)
+    GetWindowRect(window, &r);
+  else if (GetMonitorInfoW(MonitorFromWindow(window, MONITOR_DEFAULTTONEAREST), &monitor))
+    OffsetRect(&r, static_cast<int>(monitor.rcWork.left - monitor.rcMonitor.left),
+               static_cast<int>(monitor.rcWork.top - monitor.rcMonitor.top));
+  const bool isMaximized =
+      now.showCmd == SW_SHOWMAXIMIZED || (now.showCmd == SW_SHOWMINIMIZED && (now.flags & WPF_RESTORETOMAXIMIZED) != 0);
   wchar_t text[80];
-  std::swprintf(text, 80, L"%ld %ld %d %d %d", r.left, r.top, widthOf(r), heightOf(r),
-                now.showCmd == SW_SHOWMAXIMIZED ? 1 : 0);
+  std::swprintf(text, 80, L"%ld %ld %d %d %d", r.left, r.top, widthOf(r), heightOf(r), isMaximized ? 1 : 0);
   return String(view(text));
 }
 
@@ -179,6 +187,8 @@ bool readPlace(StringView text, WindowPlace& found) {
   int maximized = 0;
   if (std::swscanf(wide(String(text)), L"%ld %ld %d %d %d", &left, &top, &width, &height, &maximized) != 5)
     return false;
+  constexpr long far = 100000;  // no screen is as large
+  if (std::abs(left) > far || std::abs(top) > far || width > far || height > far) return false;
   const RECT r{left, top, left + width, top + height};
   if (width < 100 || height < 80 || !MonitorFromRect(&r, MONITOR_DEFAULTTONULL)) return false;
   found = {r, maximized != 0};

@@ -49,8 +49,18 @@ class Window {
   virtual ~Window();
 
   HWND handle() const { return handle_; }
-  // A message is being served: the object must stay.
+  // The object must stay: a message is being served, or somebody is at work with the window.
   bool isServing() const { return serving_ != 0; }
+  class Serving {
+   public:
+    explicit Serving(Window& window) : window_(window) { ++window_.serving_; }
+    ~Serving() { --window_.serving_; }
+    Serving(const Serving&) = delete;
+    Serving& operator=(const Serving&) = delete;
+
+   private:
+    Window& window_;
+  };
 
  protected:
   struct Look {

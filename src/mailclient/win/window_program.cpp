@@ -8,6 +8,8 @@
 #include "addin/platform/date.h"
 #include "mailclient/built_in_commands.h"
 #include "mailclient/console.h"
+#include "mailclient/steps.h"
+#include "mailclient/text_coding.h"
 #include "mailclient/view/folder_tree.h"
 #include "mailclient/win/addin_loader.h"
 #include "mailclient/win/balloon.h"
@@ -24,7 +26,9 @@ namespace {
 constexpr UINT sweep = WM_APP + 1;         // delete the frames of closed windows
 constexpr UINT connectPhone = WM_APP + 2;  // look for the phone, once the window is there
 constexpr UINT_PTR phoneTimer = 1;
-constexpr UINT phoneTick = 250;  // milliseconds, while the phone is at work
+constexpr UINT_PTR sweepTimer = 2;
+constexpr UINT sweepAgain = 200;  // milliseconds, while a closed window's frame is still at work
+constexpr UINT phoneTick = 250;   // milliseconds, while the phone is at work
 
 // The program, and the window behind all windows: it does not show, and serves what belongs to none of them.
 class WindowProgram final : public Window, public Shell, public WindowsHost, public ConsoleHost {
@@ -36,6 +40,8 @@ class WindowProgram final : public Window, public Shell, public WindowsHost, pub
         addIns_(*client),
         console_(*client, *this),
         keys_([this](HWND top, MSG& message) { return routeKey(top, message); }) {}
+
+  ~WindowProgram();
 
   int run();
 
@@ -93,6 +99,8 @@ class WindowProgram final : public Window, public Shell, public WindowsHost, pub
   void showPhone();
   void showAssistantState();
   void endIfNoWindowIsLeft();
+  void sweepRetired();
+  void saveButtons();
 
   ClientPtr client_;
   WindowOptions options_;
@@ -143,12 +151,23 @@ class WindowProgram::OutboxWatch final : public FolderObserver {
 // ---- life
 // ---------------------------------------------------------------------------------------------------------------
 
+// The mail client lives on while anybody holds one of its objects.
+WindowProgram::~WindowProgram() {
+  client_->windows().host = nullptr;
+  client_->endProgram = nullptr;
+  client_->explorerBars().changed = [] {};
+  client_->explorerBars().runBuiltIn = nullptr;
+  client_->assistant().present = nullptr;
+  client_->store().foldersChanged = [] {};
+}
+
 int WindowProgram::run() {
   const INITCOMMONCONTROLSEX controls{sizeof(INITCOMMONCONTROLSEX),
                                       ICC_WIN95_CLASSES | ICC_STANDARD_CLASSES | ICC_LINK_CLASS};
   InitCommonControlsEx(&controls);
   if (!create({L"Marrick mail client", u"Mail Client", WS_POPUP, WS_EX_TOOLWINDOW, RECT{0, 0, 0, 0}})) return 3;
   client_->windows().host = this;
+  client_->endProgram = [this] { quit(); };
   client_->explorerBars().changed = [this] {
     for (const auto& [window, frame] : explorers_) frame->refreshCommands();
   };
@@ -161,7 +180,11 @@ int WindowProgram::run() {
   outbox_ = std::make_unique<OutboxWatch>(*this);
 
   std::unique_ptr<ConsoleInput> input;
-  if (options_.console) input = std::make_unique<ConsoleInput>([this](const auto& line) { console_.execute(line); });
+  if (options_.console)
+    input = std::make_unique<ConsoleInput>([this](const auto& line) {
+      console_.execute(line);
+      saveButtons();
+    });
   if (options_.explorer) {
     auto folder = folderAt(client_->store(), setting(u"explorer.folder"));
     if (!folder || folder == client_->store().root()) folder = client_->store().defaultFolder(DefaultFolder::Inbox);
@@ -172,6 +195,7 @@ int WindowProgram::run() {
   PostMessageW(handle(), connectPhone, 0, 0);
   started_ = true;
   addIns_.loadAtStartup();
+  saveButtons();
   if (options_.console) answer("0 ready");
   if (options_.explorer) endIfNoWindowIsLeft();
   MSG message{};
@@ -179,22 +203,37 @@ int WindowProgram::run() {
     TranslateMessage(&message);
     DispatchMessageW(&message);
   }
-  return 0;
+  quit();  // when it was not we who ended the loop
+  return static_cast<int>(message.wParam);
 }
 
-// Closing all windows lets their last events out first, while the add-ins still hear.
+// Closing all windows lets their last events out first, while the add-ins still hear. Whatever fails, the program ends.
 void WindowProgram::quit() {
   if (std::exchange(ending_, true)) return;
+  Steps steps;
   for (const auto& [window, frame] : explorers_) frame->rememberPlace();
-  if (watch_) watch_->release();
+  steps.run([&] {
+    if (watch_) watch_->release();
+  });
   KillTimer(handle(), phoneTimer);
-  client_->quit();
-  addIns_.shutDown();
+  steps.run([&] { client_->quit(); });
+  steps.run([&] { addIns_.shutDown(); });
   settings_[u"assistant"] = client_->assistant().on ? u"1" : u"0";
-  client_->saveSettings();
-  client_->store().saveSettings(settings_);
+  steps.run([&] { client_->saveSettings(); });
+  steps.run([&] { client_->store().saveSettings(settings_); });
   outbox_ = nullptr;
-  PostQuitMessage(0);
+  if (steps.failure()) {
+    std::fprintf(stderr, "mailclient: not everything could be saved: %s\n",
+                 toUtf8(steps.failure()->description).c_str());
+    if (!options_.console) tellError(nullptr, *steps.failure());
+  }
+  PostQuitMessage(steps.failure() ? 1 : 0);
+}
+
+// A crash leaves the buttons that programs have added; the next run must find them by their tags.
+void WindowProgram::saveButtons() {
+  Steps silent;  // the end tries again, and says what fails
+  if (!ending_) silent.run([&] { client_->saveSettings(); });
 }
 
 void WindowProgram::endIfNoWindowIsLeft() {
@@ -220,16 +259,29 @@ void WindowProgram::retire(std::unique_ptr<Window> frame) {
   endIfNoWindowIsLeft();
 }
 
+void WindowProgram::sweepRetired() {
+  retired_.remove_if([](const auto& frame) { return !frame->isServing(); });
+  if (retired_.empty())
+    KillTimer(handle(), sweepTimer);
+  else
+    SetTimer(handle(), sweepTimer, sweepAgain, nullptr);
+}
+
 LRESULT WindowProgram::onMessage(UINT message, WPARAM wide, LPARAM extra) {
   switch (message) {
     case sweep:
-      retired_.remove_if([](const auto& frame) { return !frame->isServing(); });
+      sweepRetired();
       return 0;
     case connectPhone:
       watchPhone();
       return 0;
     case WM_TIMER:
       if (wide == phoneTimer) showPhone();
+      if (wide == sweepTimer) sweepRetired();
+      return 0;
+    // The user logs off, and the process may be ended as soon as this has been served.
+    case WM_ENDSESSION:
+      if (wide) quit();
       return 0;
     default:
       return byDefault(message, wide, extra);
@@ -261,15 +313,17 @@ void WindowProgram::opened(const ExplorerPtr& window) {
   auto frame = std::make_unique<ExplorerFrame>(*this, window);
   ExplorerFrame& shown = *frame;
   explorers_[window.get()] = std::move(frame);
-  if (!shown.open()) explorers_.erase(window.get());
+  const Serving atWork(shown);  // it may be closed while it comes to the front
+  if (!shown.open()) client_->windows().close(window);
 }
 
 void WindowProgram::opened(const InspectorPtr& window) {
   auto frame = makeInspector(*this, window);
   InspectorFrame& shown = *frame;
   inspectors_[window.get()] = std::move(frame);
+  const Serving atWork(shown);  // it may be closed while it comes to the front
   const MessagePtr message = window->message;
-  shown.open();
+  if (!shown.open()) client_->windows().close(window);
   if (message->unread && message->saved() && !message->gone)
     attempt(*this, nullptr, [&] { client_->store().setUnread(message, false); });
 }
@@ -360,8 +414,12 @@ String WindowProgram::setting(StringView name) const {
   return at == settings_.end() ? String() : at->second;
 }
 
+// Empty for what no calendar has.
 String WindowProgram::timeText(Date utc) const {
-  const platform::DateParts parts = platform::partsOf(client_->environment().toLocal(utc));
+  if (!platform::isInCalendar(utc)) return {};
+  const Date local = client_->environment().toLocal(utc);
+  if (!platform::isInCalendar(local)) return {};
+  const platform::DateParts parts = platform::partsOf(local);
   SYSTEMTIME time{};
   time.wYear = static_cast<WORD>(parts.year);
   time.wMonth = static_cast<WORD>(parts.month);
@@ -380,6 +438,7 @@ void WindowProgram::click(const ControlPtr& control) {
   if (ofAddIn) phone_.commandBegan(GetTickCount());
   showPhone();
   attempt(*this, activeHandle(), [&] { client_->explorerBars().click(control); });
+  saveButtons();
   if (ofAddIn) phone_.commandEnded(GetTickCount());
   showPhone();
 }
@@ -452,9 +511,7 @@ void WindowProgram::runBuiltIn(std::int32_t id) {
 
 int runWindows(const ClientPtr& client, const WindowOptions& options) {
   WindowProgram program(client, options);
-  const int code = program.run();
-  client->windows().host = nullptr;
-  return code;
+  return program.run();
 }
 
 }  // namespace mailclient::win

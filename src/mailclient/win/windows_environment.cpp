@@ -79,6 +79,15 @@ void WindowsEnvironment::flushToDisk(const std::filesystem::path& file) {
   CloseHandle(handle);
 }
 
+// Where no file can be made (in a folder that is only read), there is nothing to fight for either.
+std::shared_ptr<void> WindowsEnvironment::lockFile(const std::filesystem::path& file) {
+  const HANDLE handle =
+      CreateFileW(file.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_HIDDEN, nullptr);
+  if (handle == INVALID_HANDLE_VALUE && GetLastError() == ERROR_SHARING_VIOLATION) return nullptr;
+  if (handle == INVALID_HANDLE_VALUE) return std::make_shared<int>(0);
+  return {handle, [](void* held) { CloseHandle(held); }};
+}
+
 std::vector<FileEntry> WindowsEnvironment::filesIn(const std::filesystem::path& directory) {
   std::vector<FileEntry> files;
   WIN32_FIND_DATAW found{};

@@ -168,14 +168,18 @@ class HandedOver {
 
 void groupLongOnes(const Parts& parts, std::vector<Group>& groups) {
   HandedOver handedOver;
-  Parts open;
+  // What comes again after its message is gone completes nobody else's: by the message that it belonged to.
+  std::map<std::uint64_t, Parts> open;
   for (Part* part : parts)
     if (part->handedOver != 0) handedOver.add(part);
   for (Part* part : parts)
-    if (part->handedOver == 0 && !handedOver.takeTwin(part)) open.push_back(part);
-  for (Parts& cluster : Clusters(open).joined()) {
-    if (!groupOf(cluster).complete) std::erase_if(cluster, [&](Part* part) { return handedOver.takeRepetition(part); });
-    if (!cluster.empty()) groups.push_back(groupOf(std::move(cluster)));
+    if (part->handedOver == 0 && !handedOver.takeTwin(part)) open[part->repeated].push_back(part);
+  for (const auto& [message, candidates] : open) {
+    for (Parts& cluster : Clusters(candidates).joined()) {
+      if (!groupOf(cluster).complete)
+        std::erase_if(cluster, [&](Part* part) { return handedOver.takeRepetition(part); });
+      if (!cluster.empty()) groups.push_back(groupOf(std::move(cluster)));
+    }
   }
   handedOver.moveTo(groups);
 }

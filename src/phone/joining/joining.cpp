@@ -51,7 +51,10 @@ JoinedMessage messageOf(const Group& group) {
                         .text = joinedText(group),
                         .complete = group.complete,
                         .handedOver = group.handedOver != 0};
-  for (auto part = group.parts.rbegin(); part != group.parts.rend(); ++part) message.slots.push_back((*part)->slot);
+  for (auto part = group.parts.rbegin(); part != group.parts.rend(); ++part) {
+    message.slots.push_back((*part)->slot);
+    message.contents.push_back((*part)->sequence);
+  }
   for (const Part* part : group.parts)
     if (!message.timeStamp) message.timeStamp = part->message.timeStamp;
   return message;
@@ -89,19 +92,27 @@ class Joining::State {
     return next;
   }
 
-  void handedOver(Slot slot, Instant now) {
-    Group* group = groupWith(slot);
-    if (group == nullptr || !isThere(*group, now) || group->handedOver != 0) return;
-    group->handedOver = ++handOvers_;
-    for (Part* part : group->parts) {
-      part->handedOver = group->handedOver;
-      part->unread = false;
+  void handedOver(const JoinedMessage& message) {
+    if (message.handedOver) return;
+    ++handOvers_;
+    std::set<Group*> groups;
+    for (std::size_t at = 0; at < message.slots.size(); ++at) {
+      const auto found = parts_.find(message.slots[at]);
+      if (found == parts_.end() || found->second.sequence != message.contents[at]) continue;
+      Part& part = found->second;
+      if (part.handedOver != 0 || part.deletion != 0) continue;
+      part.handedOver = handOvers_;
+      part.unread = false;
+      known_.insert(part.slot);
+      groups.insert(groupWith(part.slot));
     }
+    // Usually nothing has changed in between, and the groups stay as they are.
+    if (!std::ranges::all_of(groups, markHandedOver)) regroup();
   }
 
   std::vector<Slot> slotsToDelete(Slot slot) const {
     const Group* group = groupWith(slot);
-    if (group == nullptr || !mayBeDeleted(*group)) return {};
+    if (group == nullptr || !mayBeDeleted(*group, slot)) return {};
     std::vector<Slot> slots;
     for (auto part = group->parts.rbegin(); part != group->parts.rend(); ++part)
       if (!(*part)->confirmedGone) slots.push_back((*part)->slot);
@@ -110,8 +121,9 @@ class Joining::State {
 
   void deleted(Slot slot) {
     Group* group = groupWith(slot);
-    if (group == nullptr || !mayBeDeleted(*group)) return;
+    if (group == nullptr || !mayBeDeleted(*group, slot)) return;
     parts_.at(slot).confirmedGone = true;  // kept until a listing shows that it is true: some phones only say so
+    known_.erase(slot);
     if (isGoing(*group)) return;
     ++deletions_;
     for (Part* part : group->parts) {
@@ -141,6 +153,7 @@ class Joining::State {
       part.message = decodePdu(std::string_view(stored.pdu));
       part.firstSeen = now;
       part.sequence = ++sightings_;
+      if (const auto gone = gone_.find(part.pdu); gone != gone_.end()) part.repeated = gone->second;
     }
     part.status = stored.status;
     if (stored.status == Status::ReceivedUnread && part.handedOver == 0) part.unread = true;
@@ -169,23 +182,35 @@ class Joining::State {
     return found == groupBySlot_.end() ? nullptr : found->second;
   }
 
+  // Whether all its parts were handed over together; if so, it is known from then on.
+  static bool markHandedOver(Group* group) {
+    const std::uint64_t handOver = group->parts.front()->handedOver;
+    const auto together = [&](const Part* part) { return part->handedOver == handOver; };
+    if (!std::ranges::all_of(group->parts, together)) return false;
+    group->handedOver = handOver;
+    return true;
+  }
+
   static bool isGoing(const Group& group) { return group.parts.front()->deletion != 0; }
 
   static bool isThere(const Group& group, Instant now) {
     return isGoing(group) || group.complete || group.handedOver != 0 || newestOf(group) + patience <= now;
   }
 
-  // A message of one slot needs no permission: whoever asks for it sees all that is there.
-  static bool mayBeDeleted(const Group& group) { return isGoing(group) || group.handedOver != 0 || !group.isLong(); }
+  // A message of one slot needs no permission, unless whoever asks must mean the one that he was given from this slot
+  // before and that somebody else has deleted.
+  bool mayBeDeleted(const Group& group, Slot slot) const {
+    return isGoing(group) || group.handedOver != 0 || (!group.isLong() && !known_.contains(slot));
+  }
 
   // Parts of a long message that came again after it was handed over and deleted, and not as a whole.
-  bool isRepeatedFragment(const Group& group) const {
+  static bool isRepeatedFragment(const Group& group) {
     return !isGoing(group) && !group.complete && group.handedOver == 0 &&
-           std::ranges::all_of(group.parts, [&](const Part* part) { return gone_.contains(part->pdu); });
+           std::ranges::all_of(group.parts, [](const Part* part) { return part->repeated != 0; });
   }
 
   void remember(const std::string& pdu) {
-    if (!gone_.insert(pdu).second) return;
+    if (!gone_.insert_or_assign(pdu, deletions_).second) return;
     inOrder_.push_back(pdu);
     if (inOrder_.size() <= rememberedParts) return;
     gone_.erase(inOrder_.front());
@@ -195,8 +220,9 @@ class Joining::State {
   std::map<Slot, Part> parts_;
   std::vector<Group> groups_;  // of parts_
   std::map<Slot, Group*> groupBySlot_;
-  std::set<std::string> gone_;
-  std::deque<std::string> inOrder_;  // gone_, the oldest first
+  std::set<Slot> known_;                       // where messages were handed over from and not deleted
+  std::map<std::string, std::uint64_t> gone_;  // by deletion
+  std::deque<std::string> inOrder_;            // gone_, the oldest first
   std::uint64_t sightings_ = 0;
   std::uint64_t handOvers_ = 0;
   std::uint64_t deletions_ = 0;
@@ -212,7 +238,7 @@ void Joining::update(Memory memory, std::span<const StoredPdu> listing, Instant 
 }
 std::vector<JoinedMessage> Joining::messages(Instant now) const { return state_->messages(now); }
 std::optional<Joining::Instant> Joining::nextDue(Instant now) const { return state_->nextDue(now); }
-void Joining::handedOver(Slot slot, Instant now) { state_->handedOver(slot, now); }
+void Joining::handedOver(const JoinedMessage& message) { state_->handedOver(message); }
 std::vector<Slot> Joining::slotsToDelete(Slot slot) const { return state_->slotsToDelete(slot); }
 void Joining::deleted(Slot slot) { state_->deleted(slot); }
 std::vector<Slot> Joining::leftovers(Instant now) const { return state_->leftovers(now); }

@@ -16,6 +16,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <span>
@@ -29,10 +30,11 @@ namespace phone {
 
 // A message of one slot or several.
 struct JoinedMessage {
-  Slot handle;                             // stands for the message: the slot of its first part
-  std::vector<Slot> slots = {};            // all, duplicates included, in the order of deletion: the handle goes last
-  Status status = Status::ReceivedUnread;  // unread when any part is unread and the message was not handed over yet
-  PduKind kind = PduKind::Undecodable;     // never a status report: those are skipped
+  Slot handle;                               // stands for the message: the slot of its first part
+  std::vector<Slot> slots = {};              // all, duplicates included, in the order of deletion: the handle goes last
+  std::vector<std::uint64_t> contents = {};  // of these slots, told apart from what may lie in them later
+  Status status = Status::ReceivedUnread;    // unread when any part is unread and the message was not handed over yet
+  PduKind kind = PduKind::Undecodable;       // never a status report: those are skipped
   std::optional<Address> serviceCentre = {};
   Address peer = {};
   std::optional<TimeStamp> timeStamp = {};  // of the first part that has one
@@ -64,12 +66,14 @@ class Joining {
   // When the next incomplete message's time is up, if one waits.
   std::optional<Instant> nextDue(Instant now) const;
 
-  // The message with that slot (any of its slots) was handed over, and is read from then on. One that still waits
-  // cannot be.
-  void handedOver(Slot slot, Instant now);
+  // This message, as messages() gave it, was handed over, and is read from then on. Parts that have come since are not
+  // among what was handed over.
+  void handedOver(const JoinedMessage& message);
 
   // The slots to delete, in this order, when the message with that slot is to go; of a deletion that was begun, those
-  // that are left. Empty when there is no message or when it is a long one that was not handed over.
+  // that are left. Empty when there is no message, when it is a long one that was not handed over, or when another
+  // message was handed over from that slot and is gone. To be asked right after an update: a slot that was emptied
+  // meanwhile may hold something else by now.
   std::vector<Slot> slotsToDelete(Slot slot) const;
 
   // The phone has confirmed that this slot is deleted. From then on the message's other slots are leftovers.

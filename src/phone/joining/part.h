@@ -20,6 +20,7 @@ struct Part {
   Joining::Instant firstSeen = {};
   std::uint64_t sequence = 0;    // in the order of first sight
   std::uint64_t handedOver = 0;  // with which hand-over; 0: not yet
+  std::uint64_t repeated = 0;    // the very same was deleted before, with this message; 0: it was not
   std::uint64_t deletion = 0;    // with which message it is being deleted; 0: it is not
   bool confirmedGone = false;    // the phone said that it deleted this slot
 

@@ -80,22 +80,45 @@ PortPhone::PortPhone(const Object& port)
 }
 
 Phone::Request PortPhone::list(Store store, std::int32_t filter, OnMessage onMessage, OnEnd onEnd) {
-  const auto request = port_->call<std::int32_t>(u"List", store, filter);
-  return expect(request, {std::move(onMessage), std::move(onEnd)});
+  return ask([&] { return port_->call<std::int32_t>(u"List", store, filter); },
+             {std::move(onMessage), std::move(onEnd)});
 }
 
 Phone::Request PortPhone::remove(Store store, std::int16_t index, OnEnd onEnd) {
-  return expect(port_->call<std::int32_t>(u"Remove", store, index), {nullptr, std::move(onEnd)});
+  return ask([&] { return port_->call<std::int32_t>(u"Remove", store, index); }, {nullptr, std::move(onEnd)});
 }
 
 Phone::Request PortPhone::send(const OutgoingMessage& m, OnEnd onEnd) {
-  return expect(port_->call<std::int32_t>(u"Send", m.serviceCentre, m.destination, m.text),
-                {nullptr, std::move(onEnd)});
+  return ask([&] { return port_->call<std::int32_t>(u"Send", m.serviceCentre, m.destination, m.text); },
+             {nullptr, std::move(onEnd)});
 }
 
-Phone::Request PortPhone::expect(std::int32_t request, Callbacks callbacks) {
+// A caller that waits for its call serves events meanwhile. When it is slow, the call's return and the first event are
+// both there, and the event may be served first.
+Phone::Request PortPhone::ask(const std::function<std::int32_t()>& call, Callbacks callbacks) {
+  struct Asking {
+    explicit Asking(PortPhone& p) : phone(p) { ++phone.asking_; }
+    Asking(const Asking&) = delete;
+    Asking& operator=(const Asking&) = delete;
+    ~Asking() {
+      if (--phone.asking_ == 0) phone.early_.clear();
+    }
+    PortPhone& phone;
+  };
+  const Hold<PortPhone> keep(this);
+  const Asking asking(*this);
+  const std::int32_t request = call();
   expected_[request] = std::move(callbacks);
-  return make<Forgetting>(this, request);
+  Request result = make<Forgetting>(this, request);
+  for (const Early& early : std::vector(early_))
+    if (early.request == request) early.event();
+  return result;
+}
+
+bool PortPhone::keepEarly(std::int32_t request, std::function<void()> event) {
+  if (asking_ == 0 || expected_.contains(request)) return false;
+  early_.push_back({request, std::move(event)});
+  return true;
 }
 
 void PortPhone::forget(std::int32_t request) noexcept {
@@ -105,6 +128,7 @@ void PortPhone::forget(std::int32_t request) noexcept {
 
 void PortPhone::port_Message(std::int32_t request, std::int32_t store, std::int16_t index, std::int32_t status,
                              const String& number, const String& text, const String& timeStamp) {
+  if (keepEarly(request, [=, this] { port_Message(request, store, index, status, number, text, timeStamp); })) return;
   const auto expected = expected_.find(request);
   if (expected == expected_.end()) return;
   if (const OnMessage onMessage = expected->second.onMessage)
@@ -112,12 +136,16 @@ void PortPhone::port_Message(std::int32_t request, std::int32_t store, std::int1
 }
 
 void PortPhone::port_End(std::int32_t request, std::int32_t result) {
+  if (keepEarly(request, [=, this] { port_End(request, result); })) return;
   auto ended = expected_.extract(request);
   if (ended && ended.mapped().onEnd) ended.mapped().onEnd(result);
 }
 
 void PortPhone::port_Connection(bool connected) {
-  if (!connected) expected_.clear();
+  if (!connected) {
+    expected_.clear();
+    early_.clear();
+  }
   watchers_.tell(connected);
 }
 

@@ -10,7 +10,9 @@
 //   [event] Connection(connected)
 #pragma once
 
+#include <functional>
 #include <map>
+#include <vector>
 
 #include "addin/platform/native.h"
 #include "addin/platform/with_events.h"
@@ -90,7 +92,14 @@ class PortPhone final : public handset::Phone {
   };
   struct Forgetting;
 
-  Request expect(std::int32_t request, Callbacks callbacks);
+  // What came for a request before its number did.
+  struct Early {
+    std::int32_t request;
+    std::function<void()> event;
+  };
+
+  Request ask(const std::function<std::int32_t()>& call, Callbacks callbacks);
+  bool keepEarly(std::int32_t request, std::function<void()> event);
   void forget(std::int32_t request) noexcept;
 
   void port_Message(std::int32_t request, std::int32_t store, std::int16_t index, std::int32_t status,
@@ -100,6 +109,8 @@ class PortPhone final : public handset::Phone {
 
   platform::WithEvents<PortFacade> port_;
   std::map<std::int32_t, Callbacks> expected_;
+  std::int32_t asking_ = 0;  // calls that have not brought their request's number yet
+  std::vector<Early> early_;
   handset::Watchers watchers_;
 };
 

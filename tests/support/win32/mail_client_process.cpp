@@ -157,9 +157,17 @@ class MailClientProcess::Pipes {
   std::vector<std::string> lines_;
 };
 
+MailClientProcess::MailClientProcess(NotAwaited, const std::wstring& arguments, const std::wstring& mode)
+    : pipes_(std::make_unique<Pipes>(L"\"" + productFolder() + L"\\mailclient.exe\" " + mode + L" " + arguments)) {}
+
 MailClientProcess::MailClientProcess(const std::wstring& arguments, const std::wstring& mode)
-    : pipes_(std::make_unique<Pipes>(L"\"" + productFolder() + L"\\mailclient.exe\" " + mode + L" " + arguments)) {
+    : MailClientProcess(NotAwaited{}, arguments, mode) {
+  awaitReady();
+}
+
+bool MailClientProcess::awaitReady() {
   ready_ = answerTo(0, 60000).result == "ready";
+  return ready_;
 }
 
 MailClientProcess::~MailClientProcess() = default;

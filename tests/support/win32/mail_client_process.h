@@ -23,12 +23,16 @@ class MailClientProcess {
   // Starts mailclient.exe with further arguments and waits until it is ready. `mode` is --headless, or --console for
   // one with windows.
   explicit MailClientProcess(const std::wstring& arguments = L"", const std::wstring& mode = L"--headless");
+  // The same without waiting, for a start that somebody at the screen has to help along.
+  struct NotAwaited {};
+  MailClientProcess(NotAwaited, const std::wstring& arguments, const std::wstring& mode);
   // A process that still runs is ended by force.
   ~MailClientProcess();
   MailClientProcess(const MailClientProcess&) = delete;
   MailClientProcess& operator=(const MailClientProcess&) = delete;
 
   bool isReady() const { return ready_; }
+  bool awaitReady();
   bool isRunning() const;
   std::uint32_t processId() const;
   // What the process ended with; 259 while it runs.

@@ -9,9 +9,11 @@
 #include "support/win32/mail_client_process.h"
 
 namespace testing_support {
+
+const wchar_t* const optionsKey = L"Software\\Microsoft\\Office\\9.0\\Outlook\\Options\\TextMessage";
+
 namespace {
 
-constexpr const wchar_t* optionsKey = L"Software\\Microsoft\\Office\\9.0\\Outlook\\Options\\TextMessage";
 constexpr const wchar_t* installationKey = L"Software\\Marrick\\TextMessageAddIn";
 constexpr const wchar_t* workerMutex = L"Marrick DVMWorker";  // held by the running dvmworker.exe
 constexpr const wchar_t* debugKey = L"SOFTWARE\\Marrick\\DbgOut";
@@ -102,6 +104,45 @@ void setOption(const wchar_t* name, std::uint32_t type, const std::vector<std::b
 }
 void removeOption(const wchar_t* name) { removeValue(HKEY_CURRENT_USER, optionsKey, name); }
 void removeAllOptions() { RegDeleteKeyW(HKEY_CURRENT_USER, optionsKey); }
+
+std::wstring setRegisteredOwner(const std::wstring& name) {
+  constexpr const wchar_t* windowsKey = L"SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion";
+  constexpr const wchar_t* valueName = L"RegisteredOwner";
+  wchar_t before[256] = L"";
+  HKEY key = nullptr;
+  if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, windowsKey, 0, KEY_READ, &key) == ERROR_SUCCESS) {
+    DWORD size = sizeof before - sizeof *before;
+    RegQueryValueExW(key, valueName, nullptr, nullptr, reinterpret_cast<BYTE*>(before), &size);
+    RegCloseKey(key);
+  }
+  if (name.empty())
+    removeValue(HKEY_LOCAL_MACHINE, windowsKey, valueName);
+  else
+    setText(HKEY_LOCAL_MACHINE, windowsKey, valueName, name);
+  return before;
+}
+
+void setHelpFiles(const std::wstring& folder, std::uint32_t language) {
+  if (folder.empty()) {
+    removeValue(HKEY_CURRENT_USER, installationKey, L"RESPATH");
+    removeValue(HKEY_CURRENT_USER, installationKey, L"LANGID");
+    return;
+  }
+  setText(HKEY_CURRENT_USER, installationKey, L"RESPATH", folder);
+  setNumber(HKEY_CURRENT_USER, installationKey, L"LANGID", language);
+}
+
+// The real one of a real Windows is left alone.
+bool installHelpViewer() {
+  if (!GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version")) return false;
+  wchar_t folder[MAX_PATH] = L"";
+  GetSystemDirectoryW(folder, MAX_PATH);
+  const std::wstring target = std::wstring(folder) + L"\\hhctrl.ocx";
+  const std::wstring source = productFolder() + L"\\..\\tests\\hhctrl.ocx";
+  // Wine would take its own one all the same.
+  setText(HKEY_CURRENT_USER, L"Software\\Wine\\AppDefaults\\mailclient.exe\\DllOverrides", L"hhctrl.ocx", L"native");
+  return CopyFileW(source.c_str(), target.c_str(), FALSE) != FALSE;
+}
 
 void setShortMinute(std::uint32_t milliseconds) {
   setNumber(HKEY_CURRENT_USER, timerKey, L"ShortenMinute", milliseconds);

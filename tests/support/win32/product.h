@@ -25,11 +25,19 @@ bool unregisterServer(const std::wstring& file);
 void setLoadBehavior(std::uint32_t number);
 
 // Values under the add-in's Options key of the present user.
+extern const wchar_t* const optionsKey;  // under HKEY_CURRENT_USER
 void setOption(const wchar_t* name, std::uint32_t number);
 void setOption(const wchar_t* name, const wchar_t* text);
 void setOption(const wchar_t* name, std::uint32_t type, const std::vector<std::byte>& data);  // of any type and size
 void removeOption(const wchar_t* name);
 void removeAllOptions();
+
+// Who the system says it belongs to; an empty name removes the value. The answer is who it was.
+std::wstring setRegisteredOwner(const std::wstring& name);
+// Where the help files are said to lie, and in which language; an empty folder removes both values.
+void setHelpFiles(const std::wstring& folder, std::uint32_t language);
+// Puts the stand-in help viewer into the system folder, under Wine alone. False when it is not there afterwards.
+bool installHelpViewer();
 
 // A value under HKEY_CURRENT_USER; 0 milliseconds or an empty text removes it.
 void setShortMinute(std::uint32_t milliseconds);

@@ -1,61 +1,9 @@
 // The add-in in the mail client's windows: its buttons, and a text message from the first key to the phone.
-#include <gtest/gtest.h>
-
-#include "com/bridge.h"
-#include "support/text.h"
-#include "system/mailclient/window_fixture.h"
+#include "system/mailclient/addin_window_fixture.h"
 
 namespace {
 
 using namespace screen;
-using testing_support::Handset;
-
-class AddInWindowTest : public WindowTest {
- protected:
-  void SetUp() override {
-    OleInitialize(nullptr);
-    for (const std::string& line : testing_support::registerProduct()) ASSERT_FALSE(line.starts_with("failed")) << line;
-    testing_support::removeAllOptions();
-    testing_support::setOption(L"WizardDone", 1);
-    testing_support::setOption(L"SendReceive_UseAuto", 0u);
-    handset_ = Handset::connect();
-    handset_.Clear(1);
-    handset_.Clear(2);
-    handset_.ClearSent();
-    handset_.Unplug();
-    start(L"");
-    ask("contact \"Anna Ek\" \"+46 (70) 123\"");
-    ask("contact \"Annika Berg\" \"+46 73 9\" Family");
-  }
-  void TearDown() override {
-    WindowTest::TearDown();
-    handset_ = Handset();
-    testing_support::removeAllOptions();
-    OleUninitialize();
-  }
-
-  HWND newTextMessage() {
-    choose("Text Message");
-    const HWND form = await(processId(), inspectorClass, L"Untitled - Text Message");
-    EXPECT_TRUE(form && toFront(form));
-    return form;
-  }
-  static HWND to(HWND form) { return child(form, WC_EDITW, 0); }
-  static HWND body(HWND form) { return child(form, WC_EDITW, 1); }
-  // Types the message and sends it with its keys.
-  void write(const std::wstring& recipient, const std::wstring& text) {
-    const HWND form = newTextMessage();
-    type(recipient);
-    ASSERT_TRUE(waitUntil([&] { return textOf(to(form)) == recipient; }));
-    press(VK_TAB);
-    type(text);
-    ASSERT_TRUE(waitUntil([&] { return textOf(body(form)) == text; }));
-    press(VK_RETURN, true);
-    ASSERT_TRUE(awaitGone(processId(), inspectorClass));
-  }
-
-  Handset handset_;
-};
 
 TEST_F(AddInWindowTest, Buttons_AppearWithTheirIcons_AndFollowThePhone) {
   EXPECT_TRUE(waitUntil([&] { return menuItem("Send && Receive Text Messages").id != 0; }));

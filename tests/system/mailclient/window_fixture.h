@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include "system/mailclient/screen.h"
+#include "support/win32/screen.h"
 
 class WindowTest : public testing::Test {
  protected:

@@ -1,4 +1,6 @@
 // Items and their folders: what Save, Move and Delete do, and which events they raise.
+#include <limits>
+
 #include "mapi/mapi_props.h"
 #include "unit/mailclient/fixture.h"
 
@@ -172,6 +174,8 @@ TEST_F(ItemsTest, MapiObject_WritesWhatTheObjectModelDoesNot) {
   props->setString(mapi::tag::senderName, u"Bo [+47]");
   props->setTime(mapi::tag::clientSubmitTime, Date{36000.25});
   props->setTime(mapi::tag::messageDeliveryTime, Date{36000.5});
+  for (const double days : {-657435.0, 2958466.0, std::numeric_limits<double>::quiet_NaN()})
+    expectError(failure::invalid, [&] { props->setTime(mapi::tag::clientSubmitTime, Date{days}); });
   props->setLong(mapi::tag::messageFlags, 0);
   EXPECT_EQ(folder(outlook::olFolderOutbox).Items().Count(), 0) << "stored by the next Save";
   item.Save();

@@ -109,6 +109,20 @@ TEST_P(MaildirTest, ReadState_IsAFlagOfTheFileName) {
   EXPECT_EQ(filesIn("cur"), 1u);
 }
 
+TEST_P(MaildirTest, UnreadDraft_ThatIsSent_IsReadAfterARestart) {
+  const ClientPtr client = MailClient::create(
+      {.environment = environment_, .persistence = std::make_unique<Maildir>(root_ / "own", environment_, GetParam())});
+  Store& store = client->store();
+  const MessagePtr draft = Store::create(*store.defaultFolder(DefaultFolder::Drafts), textMessageClass);
+  store.save(draft);
+  store.setUnread(draft, true);
+  const Ref<Item> item = client->itemObject(draft);
+  dynamic_cast<MailItem&>(*item.get()).send();
+  const Store again(std::make_unique<Maildir>(root_ / "own", environment_, GetParam()));
+  ASSERT_THAT(again.defaultFolder(DefaultFolder::Outbox)->messages(), SizeIs(1));
+  EXPECT_FALSE(again.defaultFolder(DefaultFolder::Outbox)->messages()[0]->unread);
+}
+
 TEST_P(MaildirTest, Move_KeepsEntryIdAndLeavesOneFile) {
   const MessagePtr message = add(DefaultFolder::Outbox, u"m");
   const String id = message->entryId;
@@ -329,6 +343,29 @@ TEST_P(MaildirTest, FailedSave_LeavesMemoryAndDiskAsTheyWere) {
   restart();
   EXPECT_THAT(bodies(DefaultFolder::Inbox), ElementsAre(u"old"));
   EXPECT_THAT(bodies(DefaultFolder::Outbox), IsEmpty());
+}
+
+// Locks as a system with several processes keeps them.
+class SharedMachine final : public Environment {
+ public:
+  std::shared_ptr<void> lockFile(const fs::path& file) override {
+    if (!held_->insert(file).second) return nullptr;
+    return {this, [held = held_, file](void*) { held->erase(file); }};
+  }
+
+ private:
+  std::shared_ptr<std::set<fs::path>> held_ = std::make_shared<std::set<fs::path>>();
+};
+
+TEST_P(MaildirTest, StoreInUse_IsRefused_UntilTheOtherOneEnds) {
+  environment_ = std::make_shared<SharedMachine>();
+  restart();
+  const auto open = [&](const fs::path& root) { Store(std::make_unique<Maildir>(root, environment_, GetParam())); };
+  expectError(failure::busy, [&] { open(root_); });
+  open(root_ / "another");
+  store_.reset();
+  open(root_);
+  restart();
 }
 
 TEST(MaildirNamesTest, FolderDirectories_AreThoseOfImapServers) {

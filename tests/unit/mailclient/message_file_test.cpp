@@ -203,7 +203,11 @@ TEST(MessageFileTest, DamagedFiles_AreReadAsFarAsTheyGo) {
     }
   EXPECT_EQ(readBack("")[Text::MessageClass], u"IPM.Note");
   EXPECT_EQ(readBack("no header at all")[Text::Body], u"");
-  EXPECT_EQ(readBack("X-Mailclient-Version: 1\nX-Mailclient-SentOn: 1e300\n\n").sentOn, Date{});
+  for (const char* const days : {"1e300", "-700000", "-657435", "2958466", "nan", "inf"})
+    EXPECT_EQ(readBack(std::string("X-Mailclient-Version: 1\nX-Mailclient-SentOn: ") + days + "\n\n").sentOn, Date{})
+        << days;
+  EXPECT_EQ(readBack("X-Mailclient-Version: 1\nX-Mailclient-SentOn: -657434\n\n").sentOn, Date{-657434})
+      << "the calendar's first day";
 }
 
 TEST(HeaderTextTest, Dates_OfSeveralShapes) {
@@ -212,6 +216,14 @@ TEST(HeaderTextTest, Dates_OfSeveralShapes) {
   EXPECT_NEAR(parseDateText("3 Feb 2001 23:30:00 -0530")->days, 36926 + 5.0 / 24, 1e-9);
   for (const char* const bad : {"", "yesterday", "31 Feb 2001 12:00", "3 Feb", "3 Feb 2001", "3 Feb 2001 25:00"})
     EXPECT_FALSE(parseDateText(bad)) << bad;
+}
+
+// A zone that is none would carry the date out of the calendar, where no program can show it.
+TEST(HeaderTextTest, Dates_WithAZoneThatIsNone_CountAsGreenwich) {
+  for (const char* const zone : {"+2147483647", "-2147483647", "+1401", "+9999999", "+1260"})
+    EXPECT_EQ(parseDateText("1 Jan 2000 00:00:00 " + std::string(zone)), Date{36526}) << zone;
+  EXPECT_NEAR(parseDateText("1 Jan 2000 00:00:00 +1400")->days, 36526 - 14.0 / 24, 1e-9);
+  EXPECT_FALSE(parseDateText("31 Dec 9999 23:59:00 -0100")) << "behind the calendar";
 }
 
 }  // namespace

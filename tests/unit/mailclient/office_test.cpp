@@ -1,4 +1,5 @@
 // Command bars, the Assistant, option pages, forms and the list of add-ins.
+#include "addin/platform/convert.h"
 #include "addin/platform/extensibility.h"
 #include "unit/mailclient/fixture.h"
 
@@ -155,6 +156,18 @@ TEST_F(OfficeTest, Balloon_Shown_IsKeptAndAnswered) {
   EXPECT_EQ(shown.icon, 4);
   expectError(440, [&] { balloon.Labels().Item(0); });
   expectError(440, [&] { balloon.Labels().Item(6); });
+}
+
+TEST_F(OfficeTest, Balloons_TheLastHundredAreKept) {
+  application.Assistant().On(true);
+  const office::Balloon balloon = application.Assistant().NewBalloon();
+  for (int i = 0; i <= 150; ++i) {
+    balloon.Heading(platform::concat(std::int32_t{i}));
+    balloon.Show();
+  }
+  ASSERT_EQ(client->assistant().shown.size(), 100u);
+  EXPECT_EQ(client->assistant().shown.front().heading, u"51");
+  EXPECT_EQ(client->assistant().shown.back().heading, u"150");
 }
 
 TEST_F(OfficeTest, LaterMailClient_HasNoAssistant) {

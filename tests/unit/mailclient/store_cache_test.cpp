@@ -293,6 +293,14 @@ TEST_F(CachedStoreTest, DamagedCache_IsIgnored_AndWrittenAnew) {
   }
 }
 
+// No file can be made of it; the end of the program is not the place to say so.
+TEST_F(CachedStoreTest, MessageThatCannotBeWritten_DoesNotDisturbTheEnd) {
+  message(3)->sentOn = Date{-700000};
+  EXPECT_NO_THROW(store_->finish());
+  open();
+  EXPECT_EQ(inbox().messages().size(), std::size_t{many});
+}
+
 TEST_F(CachedStoreTest, DirectoryInItsPlace_HurtsNobody) {
   restart();
   fs::remove(cacheFile());

@@ -48,6 +48,7 @@ TEST_F(AddressBookTest, DisplayAddress_KeepsWhatTheSenderRemoves_AndNothingElse)
   EXPECT_EQ(displayAddress({u"Anna", u"+46 (70) 123-45.67/8"}), u"Anna [+46 (70) 12345678]");
   EXPECT_EQ(displayAddress({u"", u"123"}), u"[123]");
   EXPECT_EQ(displayAddress({u"Ann [home]", u"1"}), u"Ann (home) [1]");
+  EXPECT_EQ(displayAddress({u"A\u0001b\r\nc", u"1\u00012"}), u"A b  c [1 2]") << "code 1 ends the address in a topic";
 }
 
 TEST_F(AddressBookTest, Complete_FindsBeginningsOfWordsAndOfNumbers) {
@@ -59,6 +60,15 @@ TEST_F(AddressBookTest, Complete_FindsBeginningsOfWordsAndOfNumbers) {
   EXPECT_THAT(complete(all, u" "), IsEmpty());
   EXPECT_THAT(complete(all, u"x"), IsEmpty());
   EXPECT_THAT(complete(all, u"a", 1), ElementsAre(all[0]));
+}
+
+TEST_F(AddressBookTest, TypedNumber_IsNotTakenForALongerOne) {
+  const std::vector<AddressEntry> found{{u"Anna", u"070 12-34"}, {u"Eva", u"07012"}};
+  EXPECT_EQ(preselected(found, u"070"), std::nullopt) << "a number of its own";
+  EXPECT_EQ(preselected(found, u" 0701-2 "), 1u) << "exactly hers";
+  EXPECT_EQ(preselected(found, u"an"), 0u) << "the beginning of a name";
+  EXPECT_EQ(preselected({}, u"an"), std::nullopt);
+  EXPECT_EQ(preselected({{u"Anna", u"1"}, {u"Eva", u"1"}}, u"1"), std::nullopt) << "shared by two";
 }
 
 TEST_F(AddressBookTest, PhoneNumbers_HaveDigitsAndSeparatorsOnly) {
@@ -81,6 +91,9 @@ TEST_F(AddressBookTest, Recipient_NumberOfOneContact_GetsTheName) {
 
 TEST_F(AddressBookTest, Recipient_DisplayAddress_StaysAsItIs) {
   EXPECT_EQ(resolveRecipient({}, u" Anna [+46 70 1] "), u"Anna [+46 70 1]");
+  EXPECT_EQ(resolveRecipient({}, u"Anna [0701-22.3/3] (home)"), u"Anna [07012233] (home)")
+      << "the sender does not remove these";
+  EXPECT_EQ(resolveRecipient({}, u"An\u0001na [0701]"), u"An na [0701]");
   EXPECT_EQ(resolveRecipient({}, u"Anna [home]"), std::nullopt);
   EXPECT_EQ(resolveRecipient({}, u"Anna []"), std::nullopt);
 }

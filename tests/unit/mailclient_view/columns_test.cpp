@@ -99,6 +99,10 @@ TEST(FolderTreeTest, Path_LeadsBackToTheFolder) {
   EXPECT_EQ(folderAt(store, u"contacts/FAMILY"), below);
   EXPECT_EQ(folderAt(store, u"Contacts/Gone"), nullptr);
   EXPECT_EQ(folderAt(store, u""), store.root());
+  const auto odd = store.addFolder(*below, u"on/off \\ \"x\"", ItemType::Mail);
+  const auto trap = store.addFolder(*store.addFolder(*below, u"on", ItemType::Mail), u"off", ItemType::Mail);
+  EXPECT_EQ(folderAt(store, folderPath(*odd)), odd) << "a name may hold the separator";
+  EXPECT_EQ(folderAt(store, folderPath(*trap)), trap);
 }
 
 // ---- menus
@@ -155,6 +159,16 @@ TEST_F(MenuTextTest, LooksSame_UntilSomethingThatIsShownChanges) {
   EXPECT_TRUE(looksSame(before, menuEntries(*bars_.bar(menuBarName))));
   bars_.controlsOf(command::options).at(0)->enabled = false;
   EXPECT_FALSE(looksSame(before, menuEntries(*bars_.bar(menuBarName))));
+}
+
+TEST_F(MenuTextTest, LooksSame_NotWithAnotherIconOrStyle) {
+  const ControlPtr button = BarSet::addButton(popup(menu::tools), std::nullopt, false);
+  const auto before = menuEntries(popup(menu::tools));
+  button->faceId = 5;
+  const auto withIcon = menuEntries(popup(menu::tools));
+  EXPECT_FALSE(looksSame(before, withIcon));
+  button->style = 2;
+  EXPECT_FALSE(looksSame(withIcon, menuEntries(popup(menu::tools))));
 }
 
 TEST_F(MenuTextTest, BuiltInCommand_Clicked_RunsInTheWindow_UnlessDisabled) {

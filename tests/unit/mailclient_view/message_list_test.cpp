@@ -100,6 +100,35 @@ TEST_F(MessageListTest, SameName_NewestFirst) {
   add(u"a", 2, u"new");
   list_.show(inbox_, {Column::From, false});
   EXPECT_EQ((*list_.rows()[0])[Text::Subject], u"new");
+  list_.sortBy(Column::From, false);
+  EXPECT_EQ((*list_.rows()[0])[Text::Subject], u"new") << "also when the names run backwards";
+}
+
+TEST_F(MessageListTest, ContactWithoutAName_IsSortedByWhatItShows) {
+  const auto contacts = store_.defaultFolder(DefaultFolder::Contacts);
+  for (const StringView name : {u"Anna", u"Olle"}) {
+    const MessagePtr m = Store::create(*contacts, u"IPM.Contact");
+    (*m)[Text::FullName] = name;
+    store_.save(m);
+  }
+  const MessagePtr plumber = Store::create(*contacts, u"IPM.Contact");
+  (*plumber)[Text::FileAs] = u"Plumber";
+  store_.save(plumber);
+  list_.show(contacts, {Column::FullName, false});
+  EXPECT_EQ(list_.rows().back(), plumber);
+}
+
+TEST_F(MessageListTest, FolderThatIsRemoved_LeavesNoRows) {
+  const auto mine = store_.addFolder(*store_.root(), u"Mine", ItemType::Mail);
+  const MessagePtr m = Store::create(*mine, textMessageClass);
+  store_.save(m);
+  list_.show(mine, {});
+  list_.select({m});
+  const int before = rowsChanged_;
+  store_.removeFolder(*mine);
+  EXPECT_THAT(list_.rows(), IsEmpty());
+  EXPECT_FALSE(list_.hasSelection());
+  EXPECT_EQ(rowsChanged_, before + 1);
 }
 
 TEST_F(MessageListTest, Selection_SurvivesSortingAndComesInRowOrder) {

@@ -60,6 +60,18 @@ TEST_F(TextMessageTest, Recipient_OfAReceivedMessageIsItsSender_OfADraftTheAddre
   EXPECT_EQ(recipientOf(*draft), u"Anna [1]");
 }
 
+TEST_F(TextMessageTest, Recipient_OfAMessageThatWasSentFromHere_IsWhomItWentTo) {
+  const MessagePtr sent = received(u"User", u"x");
+  (*sent)[Text::To] = u"Anna [1]";
+  EXPECT_EQ(recipientOf(*sent), u"Anna [1]");
+  const MessagePtr came = received(u"Eva [2]", u"x");
+  (*came)[Text::To] = u"Me [1]";
+  EXPECT_EQ(recipientOf(*came), u"Eva [2]");
+  const MessagePtr odd = received(u"User", u"x");
+  (*odd)[Text::To] = u"nobody";
+  EXPECT_EQ(recipientOf(*odd), u"User") << "no address at all: the sender, as it stands";
+}
+
 class Marker final : public platform::Counted {
  public:
   void replied(Object response, bool&) { LateBound(response).let(u"BillingInformation", u"R;ID;"); }
@@ -130,12 +142,16 @@ class ExplorerListener final : public platform::Counted {
     using Events = ExplorerListener::Events;
   };
   void activated() { heard.push_back(u"activate"); }
-  void deactivated() { heard.push_back(u"deactivate"); }
+  void deactivated() {
+    heard.push_back(u"deactivate");
+    if (onDeactivate) onDeactivate();
+  }
   void switched() { heard.push_back(u"switched"); }
   void selected() { heard.push_back(u"selection"); }
   void switching(Object folder, bool& cancel) {
     heard.push_back(u"to " + LateBound(folder).get<String>(u"Name"));
     cancel = refuse;
+    if (onSwitching) onSwitching();
   }
   platform::WithEvents<Facade> explorer{
       this,
@@ -146,21 +162,34 @@ class ExplorerListener final : public platform::Counted {
       platform::on<outlook::ExplorerEvents::SelectionChange, &ExplorerListener::selected>};
   Heard heard;
   bool refuse = false;
+  std::function<void()> onDeactivate;
+  std::function<void()> onSwitching;
 };
 
 // Writes down what it would show.
 class Screen final : public WindowsHost {
  public:
-  void opened(const ExplorerPtr&) override { shown.push_back(u"explorer"); }
-  void opened(const InspectorPtr&) override { shown.push_back(u"inspector"); }
+  void opened(const ExplorerPtr&) override { open(u"explorer"); }
+  void opened(const InspectorPtr&) override { open(u"inspector"); }
   void toFront(const ExplorerPtr&) override { shown.push_back(u"explorer to front"); }
   void toFront(const InspectorPtr&) override { shown.push_back(u"inspector to front"); }
   void closed(const ExplorerPtr&) override { shown.push_back(u"explorer gone"); }
   void closed(const InspectorPtr&) override { shown.push_back(u"inspector gone"); }
-  void folderShown(const ExplorerPtr& w) override { shown.push_back(w->folder->name()); }
+  void folderShown(const ExplorerPtr& w) override {
+    shown.push_back(w->folder->name());
+    if (onFolderShown) onFolderShown();
+  }
   void selectionChanged(const ExplorerPtr&) override { shown.push_back(u"selection"); }
   void stateChanged(const ExplorerPtr&) override { shown.push_back(u"state"); }
   Heard shown;
+  std::function<void()> onFolderShown;
+  bool fails = false;
+
+ private:
+  void open(StringView what) {
+    if (fails) raiseError(7);
+    shown.emplace_back(what);
+  }
 };
 
 class ScreenTest : public TextMessageTest {
@@ -216,6 +245,46 @@ TEST_F(ScreenTest, ClosedWindow_IsTakenFromTheScreenAfterItsEvent) {
   EXPECT_THAT(screen_.shown, ElementsAre(u"explorer gone"));
   client->windows().activated(window_);
   EXPECT_TRUE(listener_.get()->heard.empty()) << "a window that is gone cannot become active";
+}
+
+// A listener of the window that is left closes the one that is coming.
+TEST_F(ScreenTest, WindowClosedWhileItBecomesActive_IsNotTheActiveOne) {
+  client->windows().activated(window_);
+  const InspectorPtr inspector = client->windows().openInspector(received(u"Eva [2]", u"x"));
+  listener_.get()->onDeactivate = [&] { client->windows().close(inspector); };
+  client->windows().activated(inspector);
+  EXPECT_FALSE(LateBound(application).get<Object>(u"ActiveInspector"));
+  EXPECT_EQ(application.ActiveWindow(), application.ActiveExplorer());
+  EXPECT_THAT(listener_.get()->heard, ElementsAre(u"activate", u"deactivate"));
+  listener_.get()->onDeactivate = nullptr;
+  client->windows().activated(window_);
+  EXPECT_THAT(listener_.get()->heard, ElementsAre(u"activate", u"deactivate", u"activate"));
+}
+
+TEST_F(ScreenTest, FolderDeletedWhileItIsSwitchedTo_IsNotShown) {
+  const auto doomed = store().addFolder(*store().root(), u"Doomed", ItemType::Mail);
+  listener_.get()->onSwitching = [&] { store().removeFolder(*doomed); };
+  EXPECT_FALSE(client->windows().showFolder(window_, doomed));
+  EXPECT_EQ(window_->folder->name(), u"Inbox");
+  EXPECT_TRUE(screen_.shown.empty());
+}
+
+TEST_F(ScreenTest, WindowClosedWhileItsFolderIsShown_HearsNothingAfterwards) {
+  client->windows().select(window_, {received(u"Eva [2]", u"x")});
+  listener_.get()->heard.clear();
+  screen_.onFolderShown = [&] { client->windows().close(window_); };
+  client->windows().showFolder(window_, store().defaultFolder(DefaultFolder::Drafts));
+  EXPECT_THAT(listener_.get()->heard, ElementsAre(u"to Drafts"));
+}
+
+TEST_F(ScreenTest, WindowThatCannotBeShown_IsClosedAgain) {
+  screen_.fails = true;
+  const std::size_t before = client->windows().explorers().size();
+  expectError(7, [&] { client->windows().openInspector(received(u"Eva [2]", u"x")); });
+  expectError(7, [&] { client->windows().openExplorer(store().defaultFolder(DefaultFolder::Inbox)); });
+  EXPECT_EQ(client->windows().inspectors().size(), 0u);
+  EXPECT_EQ(client->windows().explorers().size(), before);
+  EXPECT_THAT(screen_.shown, ElementsAre(u"inspector gone", u"explorer gone"));
 }
 
 TEST_F(ScreenTest, Balloon_IsShownAndAnsweredThere) {

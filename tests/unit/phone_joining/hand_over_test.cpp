@@ -168,6 +168,50 @@ TEST_F(HandOverTest, SlotThatIsUsedAgain_HoldsANewMessage) {
   EXPECT_TRUE(joining.messages(now)[1].handedOver);
 }
 
+TEST_F(HandOverTest, SlotThatIsUsedAgain_IsNotDeletedForWhatWasThereBefore) {
+  put(me(1), {.text = u"first"});
+  list();
+  handOver(me(1));
+  put(me(1), {.text = u"second"});  // somebody else deleted the first
+  list();
+  EXPECT_EQ(joining.slotsToDelete(me(1)), Slots{});
+  joining.deleted(me(1));
+  EXPECT_EQ(texts(), Texts{u"second"});
+  handOver(me(1));
+  EXPECT_EQ(joining.slotsToDelete(me(1)), Slots{me(1)});
+  remove(me(1));
+  put(me(1), {.text = u"third"});
+  list();
+  EXPECT_EQ(joining.slotsToDelete(me(1)), Slots{me(1)});
+}
+
+TEST_F(HandOverTest, PartThatComesWhileItIsHandedOver_WasNotHandedOver) {
+  put(me(1), {.text = u"one ", .part = 1, .total = 2});
+  list();
+  now += 10min;
+  const auto given = joining.messages(now);
+  ASSERT_EQ(given.size(), 1U);
+  put(me(2), {.text = u"two", .part = 2, .total = 2});
+  list();
+  joining.handedOver(given[0]);
+  EXPECT_EQ(texts(), Texts{u"one [part 2 of 2 is missing]"});
+  EXPECT_EQ(joining.slotsToDelete(me(1)), Slots{me(1)});
+  EXPECT_EQ(joining.slotsToDelete(me(2)), Slots{});
+  now += 10min;
+  EXPECT_EQ(texts(), (Texts{u"one [part 2 of 2 is missing]", u"[part 1 of 2 is missing]two"}));
+}
+
+TEST_F(HandOverTest, SlotThatIsUsedAgainWhileItIsHandedOver_WasNotHandedOver) {
+  put(me(1), {.text = u"first"});
+  list();
+  const auto given = joining.messages(now);
+  put(me(1), {.text = u"second"});
+  list();
+  joining.handedOver(given.at(0));
+  EXPECT_FALSE(only().handedOver);
+  EXPECT_EQ(only().status, Status::ReceivedUnread);
+}
+
 TEST_F(HandOverTest, LatePart_IsAMessageOfItsOwn) {
   put(me(1), {.text = u"one ", .part = 1, .total = 3});
   put(me(3), {.text = u"three", .part = 3, .total = 3});
@@ -234,6 +278,20 @@ TEST_F(HandOverTest, RepeatedPart_AfterTheDeletion_IsCleanedUpAndNotShown) {
   now += 10min;
   EXPECT_EQ(texts(), Texts{});
   EXPECT_EQ(joining.leftovers(now), Slots{me(4)});
+}
+
+TEST_F(HandOverTest, RepeatedPart_AfterTheDeletion_CompletesNoOtherMessage) {
+  putLong(1);
+  list();
+  handOver(me(1));
+  remove(me(1));
+  put(me(4), {.text = u"other ", .part = 1, .total = 2, .sent = 60s});
+  put(me(5), {.text = u"two", .part = 2, .total = 2, .sent = 1s});  // the old message's
+  list();
+  EXPECT_EQ(texts(), Texts{});
+  put(me(6), {.text = u"end", .part = 2, .total = 2, .sent = 61s});
+  list();
+  EXPECT_EQ(texts(), Texts{u"other end"});
 }
 
 TEST_F(HandOverTest, AfterARestart_PartsThatAreStillThereAreSeenAgain) {

@@ -1,6 +1,7 @@
 // Messages on a phone, for the tests of joining.
 #pragma once
 
+#include <algorithm>
 #include <chrono>
 #include <map>
 #include <string>
@@ -79,12 +80,21 @@ class JoiningTest : public testing::Test {
     for (const JoinedMessage& message : joining.messages(now)) result.push_back(message.text);
     return result;
   }
+  // Without what tells the slots' contents apart.
   JoinedMessage only() const {
     const auto messages = joining.messages(now);
     EXPECT_EQ(messages.size(), 1U);
-    return messages.empty() ? JoinedMessage{} : messages.front();
+    if (messages.empty()) return {};
+    JoinedMessage message = messages.front();
+    EXPECT_EQ(message.contents.size(), message.slots.size());
+    message.contents.clear();
+    return message;
   }
-  void handOver(Slot slot) { joining.handedOver(slot, now); }
+  // The message with that slot, if it is there.
+  void handOver(Slot slot) {
+    for (const JoinedMessage& message : joining.messages(now))
+      if (std::ranges::find(message.slots, slot) != message.slots.end()) joining.handedOver(message);
+  }
 
   // What somebody does who deletes a message and is not disturbed.
   void remove(Slot slot) {

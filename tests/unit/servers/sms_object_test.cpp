@@ -387,4 +387,72 @@ TEST(TransactionIdsTest, AtTheEndOfTheNumbers_BeginAgainAtOne) {
   EXPECT_EQ(remembered, INT32_MAX);
 }
 
+// A phone whose events come before its calls return, as they may across processes.
+class HastyPhone final : public handset::Phone {
+ public:
+  HastyPhone(Ref<SimulatedPhone> phone, testing_support::NativeTime& time) : phone_(std::move(phone)), time_(time) {}
+
+  String name() override { return phone_->name(); }
+  bool isConnected() override { return phone_->isConnected(); }
+  bool isStorageSupported(Store store) override { return phone_->isStorageSupported(store); }
+  std::int16_t storageCapacity(Store store) override { return phone_->storageCapacity(store); }
+  std::int16_t storageUsed(Store store) override { return phone_->storageUsed(store); }
+  Request list(Store store, std::int32_t filter, OnMessage onMessage, OnEnd onEnd) override {
+    return early(phone_->list(store, filter, std::move(onMessage), std::move(onEnd)));
+  }
+  Request remove(Store store, std::int16_t index, OnEnd onEnd) override {
+    return early(phone_->remove(store, index, std::move(onEnd)));
+  }
+  Request send(const handset::OutgoingMessage& message, OnEnd onEnd) override {
+    return early(phone_->send(message, std::move(onEnd)));
+  }
+  Ref<Counted> watch(OnConnection changed) override { return phone_->watch(std::move(changed)); }
+
+ private:
+  Request early(Request request) {
+    time_.runDue();
+    return request;
+  }
+  Ref<SimulatedPhone> phone_;
+  testing_support::NativeTime& time_;
+};
+
+class HastyPhoneTest : public SmsObjectTest {
+ protected:
+  HastyPhoneTest() {
+    const auto hasty = make<HastyPhone>(phone, time);
+    object = make<SmsObject>(time, ids);
+    sms = platform::as<sms_objectlib::SMS>(object->object());
+    LateBound(sms).call<void>(u"AttachPhone", make<PhonePort>(hasty).get()->object());
+    answers = make<AnswerRecorder>(sms);
+  }
+};
+
+INSTANTIATE_TEST_SUITE_P(, HastyPhoneTest, testing::Values(Road::ThroughPort),
+                         [](const auto&) { return "ThroughPort"; });
+
+TEST_P(HastyPhoneTest, Send_EndedBeforeItsCallReturns_IsAnsweredAfterwards) {
+  const std::int32_t id = filled().Send();
+  EXPECT_EQ(answers->lines, Lines{});
+  time.run(1000);
+  EXPECT_EQ(answers->lines, (Lines{line(id, " 0")}));
+}
+
+TEST_P(HastyPhoneTest, List_EndedBeforeItsCallReturns_BringsItsMessagesInOrder) {
+  store(Store::Sim, Status::ReceivedRead, u"one");
+  store(Store::Sim, Status::ReceivedRead, u"two");
+  const std::int32_t id = sms.ListMessages(2, 4);
+  EXPECT_EQ(answers->lines, Lines{});
+  time.run(1000);
+  EXPECT_EQ(answers->lines, (Lines{line(id, more + std::string(" one")), line(id, " 0 two")}));
+}
+
+TEST_P(HastyPhoneTest, SecondRequest_DoesNotGetWhatCameForTheFirst) {
+  const std::int32_t first = filled().Send();
+  phone->script(Operation::Send, {.result = 17});
+  const std::int32_t second = filled().Send();
+  time.run(1000);
+  EXPECT_EQ(answers->lines, (Lines{line(first, " 0"), line(second, " 17")}));
+}
+
 }  // namespace

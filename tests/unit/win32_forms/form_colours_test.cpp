@@ -2,6 +2,7 @@
 // form says white it is white, and where it says button face it is the system's.
 
 #include <array>
+#include <memory>
 #include <set>
 
 #include "form_fixture.h"
@@ -37,6 +38,9 @@ class SystemColours {
 
 class FormColours : public FormFixture {
  protected:
+  static void SetUpTestSuite() { colours_ = std::make_unique<SystemColours>(systemWindow, systemText, systemFace); }
+  static void TearDownTestSuite() { colours_ = nullptr; }
+
   HWND show(Form& form, const wchar_t* title) {
     form.Show(FormModality::Modeless);
     dialog_ = FindWindowW(L"#32770", title);
@@ -89,7 +93,7 @@ class FormColours : public FormFixture {
   }
 
  private:
-  const SystemColours colours_{systemWindow, systemText, systemFace};
+  static inline std::unique_ptr<SystemColours> colours_;
   HWND dialog_ = nullptr;
 };
 

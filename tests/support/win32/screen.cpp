@@ -1,4 +1,4 @@
-#include "system/mailclient/screen.h"
+#include "support/win32/screen.h"
 
 namespace screen {
 namespace {
@@ -61,6 +61,12 @@ void key(WORD code, DWORD flags, wchar_t character = 0) {
   input.ki.wScan = character != 0 ? static_cast<WORD>(character) : static_cast<WORD>(MapVirtualKeyW(code, 0));
   input.ki.dwFlags = flags;
   SendInput(1, &input, sizeof input);
+}
+
+void strike(WORD code) {
+  const bool extended = code >= VK_PRIOR && code <= VK_DELETE;
+  key(code, extended ? KEYEVENTF_EXTENDEDKEY : 0u);
+  key(code, KEYEVENTF_KEYUP | (extended ? KEYEVENTF_EXTENDEDKEY : 0u));
 }
 
 }  // namespace
@@ -142,22 +148,31 @@ std::wstring statusText(HWND bar, int part) {
   return text;
 }
 
+// In front, and its program has given it the focus: a key before that would be lost.
 bool toFront(HWND window) {
+  const DWORD thread = GetWindowThreadProcessId(window, nullptr);
   return waitUntil([&] {
-    if (GetForegroundWindow() == window) return true;
-    SetForegroundWindow(window);
-    return GetForegroundWindow() == window;
+    if (GetForegroundWindow() != window) SetForegroundWindow(window);
+    GUITHREADINFO now{};
+    now.cbSize = sizeof now;
+    GetGUIThreadInfo(thread, &now);
+    const bool hasFocus = now.hwndFocus == window || IsChild(window, now.hwndFocus);
+    return GetForegroundWindow() == window && now.hwndActive == window && hasFocus;
   });
 }
 
 void press(WORD code, bool control, bool shift) {
   if (control) key(VK_CONTROL, 0);
   if (shift) key(VK_SHIFT, 0);
-  const bool extended = code >= VK_PRIOR && code <= VK_DELETE;
-  key(code, extended ? KEYEVENTF_EXTENDEDKEY : 0u);
-  key(code, KEYEVENTF_KEYUP | (extended ? KEYEVENTF_EXTENDEDKEY : 0u));
+  strike(code);
   if (shift) key(VK_SHIFT, KEYEVENTF_KEYUP);
   if (control) key(VK_CONTROL, KEYEVENTF_KEYUP);
+}
+
+void pressWithAlt(wchar_t letter) {
+  key(VK_MENU, 0);
+  strike(static_cast<WORD>(letter));
+  key(VK_MENU, KEYEVENTF_KEYUP);
 }
 
 void type(const std::wstring& text) {
@@ -179,6 +194,12 @@ void clickAt(HWND window, int x, int y, bool control) {
     SendInput(1, &input, sizeof input);
   }
   if (control) key(VK_CONTROL, KEYEVENTF_KEYUP);
+}
+
+void clickOn(HWND window) {
+  RECT area{};
+  GetClientRect(window, &area);
+  clickAt(window, static_cast<int>(area.right) / 2, static_cast<int>(area.bottom) / 2);
 }
 
 }  // namespace screen

@@ -37,7 +37,9 @@ std::wstring statusText(HWND bar, int part);
 // Brings a window to the front and sends real keys there. False when it does not come to the front.
 bool toFront(HWND window);
 void press(WORD key, bool control = false, bool shift = false);
+void pressWithAlt(wchar_t letter);  // a capital one
 void type(const std::wstring& text);
 void clickAt(HWND window, int x, int y, bool control = false);
+void clickOn(HWND window);  // in its middle
 
 }  // namespace screen
