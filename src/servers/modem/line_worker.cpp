@@ -13,7 +13,8 @@ struct LineWorker::Link {
 
   std::unique_ptr<phone::Line> line;
   phone::Modem modem;
-  bool found = false;  // the other thread knows of it
+  bool found = false;  // the other thread knows of it, and of these memories
+  std::array<bool, 2> supported{};
 };
 
 LineWorker::LineWorker(Opener opener, const phone::Clock& clock, Mailbox& mailbox, WireEvents events,
@@ -50,6 +51,7 @@ bool LineWorker::find() {
     if (presence.supported[at]) presence.stored[at] = modem.list(memory).messages;
   }
   link_->found = true;
+  link_->supported = presence.supported;
   nextCheck_ = clock_.now() + checkInterval;
   mailbox_.give([found = events_.found, presence = std::move(presence)] { found(presence); });
   tellNotices();
@@ -62,12 +64,21 @@ void LineWorker::serve() {
     if (letter->life == life_)
       if (Wire::Answer answer = letter->deed(modem)) mailbox_.give(std::move(answer));
   } else if (clock_.now() >= nextCheck_) {
-    modem.check();
-    nextCheck_ = clock_.now() + checkInterval;
+    check();
   } else {
     modem.listen(nextCheck_);
   }
   tellNotices();
+}
+
+void LineWorker::check() {
+  phone::Modem& modem = link_->modem;
+  const auto known = link_->supported;
+  modem.check();
+  nextCheck_ = clock_.now() + checkInterval;
+  // A SIM that was unlocked, or is no longer busy: whoever uses the phone begins anew, too.
+  if (known[0] != modem.isSupported(Memory::Phone) || known[1] != modem.isSupported(Memory::Sim))
+    throw PhoneGone("the modem has other memories than before");
 }
 
 void LineWorker::tellNotices() {

@@ -44,6 +44,7 @@ class LineWorker {
 
   bool find();
   void serve();
+  void check();
   void tellNotices();
   void lose(const char* why);
 

@@ -16,15 +16,6 @@ namespace {
 
 phone::Joining::Instant moment(Instant now) { return phone::Joining::Instant(now); }
 
-StoredMessage shownAs(const JoinedMessage& message) {
-  return {storeOf(message.handle.memory),
-          static_cast<std::int16_t>(message.handle.index),
-          static_cast<handset::Status>(message.status),
-          phone::shown(message.peer),
-          message.text,
-          message.timeStamp ? phone::twelveDigits(*message.timeStamp) : platform::String()};
-}
-
 }  // namespace
 
 handset::Store storeOf(Memory memory) noexcept {
@@ -68,16 +59,23 @@ std::size_t MessageCopy::used(Memory memory) const {
   return static_cast<std::size_t>(std::distance(present.begin(), present.lower_bound(firstKept)));
 }
 
-std::vector<StoredMessage> MessageCopy::messages(Memory memory, std::int32_t filter, Instant now) const {
-  std::vector<StoredMessage> result;
-  for (const JoinedMessage& message : joining_.messages(moment(now)))
-    if (message.handle.memory == memory &&
-        (filter == handset::allStatuses || filter == static_cast<std::int32_t>(message.status)))
-      result.push_back(shownAs(message));
+std::vector<JoinedMessage> MessageCopy::messages(Memory memory, std::int32_t filter, Instant now) const {
+  auto result = joining_.messages(moment(now));
+  std::erase_if(result, [&](const JoinedMessage& message) {
+    const bool wanted = filter == handset::allStatuses || filter == static_cast<std::int32_t>(message.status);
+    return message.handle.memory != memory || !wanted;
+  });
   return result;
 }
 
-void MessageCopy::handedOver(Slot slot, Instant now) { joining_.handedOver(slot, moment(now)); }
+StoredMessage MessageCopy::shown(const JoinedMessage& message) {
+  return {storeOf(message.handle.memory),
+          static_cast<std::int16_t>(message.handle.index),
+          static_cast<handset::Status>(message.status),
+          phone::shown(message.peer),
+          message.text,
+          message.timeStamp ? phone::twelveDigits(*message.timeStamp) : platform::String()};
+}
 
 std::vector<MessageCopy::Deletion> MessageCopy::toDelete(Slot slot) const {
   return withPdus(joining_.slotsToDelete(slot));

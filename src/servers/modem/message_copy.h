@@ -33,8 +33,10 @@ class MessageCopy {
   std::size_t used(phone::Memory memory) const;
 
   // With that status or handset::allStatuses, in the order of their slots.
-  std::vector<handset::StoredMessage> messages(phone::Memory memory, std::int32_t filter, phone::Instant now) const;
-  void handedOver(phone::Slot slot, phone::Instant now);
+  std::vector<phone::JoinedMessage> messages(phone::Memory memory, std::int32_t filter, phone::Instant now) const;
+  // As whoever asks for it sees it.
+  static handset::StoredMessage shown(const phone::JoinedMessage& message);
+  void handedOver(const phone::JoinedMessage& message) { joining_.handedOver(message); }
 
   // What has to go with the message in that slot; nothing when none was handed over from there.
   std::vector<Deletion> toDelete(phone::Slot slot) const;

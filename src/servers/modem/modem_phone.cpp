@@ -9,7 +9,6 @@ namespace servers::modem {
 using handset::OutgoingMessage;
 using handset::Phone;
 using handset::Store;
-using handset::StoredMessage;
 using phone::Instant;
 using phone::Memory;
 using phone::Milliseconds;
@@ -39,7 +38,7 @@ std::size_t at(Memory memory) { return static_cast<std::size_t>(memory); }
 struct ModemPhone::Pending final : Counted {
   OnMessage onMessage;
   OnEnd onEnd;
-  std::vector<StoredMessage> toList;
+  std::vector<phone::JoinedMessage> toList;
   std::size_t listed = 0;
   Ref<Counted> work;
 };
@@ -140,12 +139,12 @@ void ModemPhone::listNext(Pending& listing) {
   const Ref<Pending> kept(&listing);
   if (listing.listed == listing.toList.size()) return end(listing, handset::success);
 
-  const StoredMessage& message = listing.toList[listing.listed++];
+  const phone::JoinedMessage& message = listing.toList[listing.listed++];
   listing.work = scheduler_.after(0, [this, next = &listing] { listNext(*next); });
   const OnMessage onMessage = listing.onMessage;
   if (!onMessage) return;
-  copy_.handedOver({memoryOfStore(message.store), message.index}, clock_.now());
-  onMessage(message);
+  copy_.handedOver(message);
+  onMessage(MessageCopy::shown(message));
 }
 
 Phone::Request ModemPhone::remove(Store store, std::int16_t index, OnEnd onEnd) {

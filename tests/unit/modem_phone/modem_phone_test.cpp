@@ -412,6 +412,22 @@ TEST_F(ModemPhoneTest, IdleModem_IsCheckedEachMinute) {
   EXPECT_EQ(rig.modem->heard, Lines{"AT+CMEE?"});
 }
 
+TEST_F(ModemPhoneTest, SimThatIsUnlockedLater_MakesAnotherPhoneOfIt) {
+  begin(
+      "like plain\non AT+CPIN?\n  say +CPIN: SIM PIN\n  say OK\non AT+CPMS=?\n  say +CMS ERROR: 311\non AT+CPMS=?\n  "
+      "say "
+      "+CPMS: (\"ME\",\"SM\"),(\"ME\",\"SM\"),(\"ME\",\"SM\")\n  say OK\non AT+CPMS=\"ME\"*\n  say +CMS ERROR: 311\n"
+      "on AT+CPMS=\"SM\",\"SM\",\"SM\"\n  say +CMS ERROR: 311\non AT+CPMS=\"SM\",\"SM\",\"SM\"\n  say +CPMS: "
+      "2,20,2,20,2,20\n  say OK\non AT+CPMS=\"SM\"*\n  say +CMS ERROR: 311\n");
+  EXPECT_TRUE(phone->isConnected());
+  EXPECT_FALSE(phone->isStorageSupported(Store::Sim));
+  rig.step();
+  EXPECT_FALSE(rig.step());
+  EXPECT_TRUE(rig.step());
+  EXPECT_EQ(told, (std::vector{true, false, true}));
+  EXPECT_EQ(listed(Store::Sim).size(), 3u);
+}
+
 TEST_F(ModemPhoneTest, NothingPluggedIn_IsTriedAgain) {
   phone = platform::make<ModemPhone>(rig.time, rig.clock, std::make_unique<RigWire>(rig), std::uint8_t{7});
   EXPECT_FALSE(rig.step());
