@@ -323,7 +323,10 @@ void WindowProgram::opened(const InspectorPtr& window) {
   inspectors_[window.get()] = std::move(frame);
   const Serving atWork(shown);  // it may be closed while it comes to the front
   const MessagePtr message = window->message;
-  if (!shown.open()) client_->windows().close(window);
+  if (!shown.open()) {
+    client_->windows().close(window);
+    return;
+  }
   if (message->unread && message->saved() && !message->gone)
     attempt(*this, nullptr, [&] { client_->store().setUnread(message, false); });
 }
