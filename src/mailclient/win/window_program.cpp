@@ -137,10 +137,11 @@ class WindowProgram::OutboxWatch final : public FolderObserver {
  private:
   void look() {
     const auto& all = outbox_->messages();
-    const auto waiting = std::count_if(all.begin(), all.end(), [](const MessagePtr& m) {
-      return isOfClass((*m)[Text::MessageClass], textMessageClass);
-    });
-    program_.phone_.outboxHolds(static_cast<std::size_t>(waiting), GetTickCount());
+    const auto isText = [](const MessagePtr& m) { return isOfClass((*m)[Text::MessageClass], textMessageClass); };
+    const auto waiting = std::count_if(all.begin(), all.end(), isText);
+    const auto first = std::find_if(all.begin(), all.end(), isText);
+    const std::size_t characters = first == all.end() ? 0 : (**first)[Text::Body].size();
+    program_.phone_.outboxHolds(static_cast<std::size_t>(waiting), characters, GetTickCount());
     program_.showPhone();
   }
 
@@ -438,7 +439,7 @@ String WindowProgram::timeText(Date utc) const {
 
 void WindowProgram::click(const ControlPtr& control) {
   const bool ofAddIn = !control->builtIn;
-  if (ofAddIn) phone_.commandBegan(GetTickCount());
+  if (ofAddIn) phone_.commandBegan();
   showPhone();
   attempt(*this, activeHandle(), [&] { client_->explorerBars().click(control); });
   saveButtons();
