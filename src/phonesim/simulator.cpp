@@ -219,6 +219,7 @@ void Simulator::pump() {
   save();
   for (const auto& [stream, octets] : output)
     if (!octets.empty()) stream->write(octets);
+  std::cout << std::exchange(notices_, {});
   for (Operator& who : operators_) {
     const std::string answers = std::exchange(who.answers, {});
     if (who.stream)
@@ -226,7 +227,7 @@ void Simulator::pump() {
     else
       std::cout << answers;
   }
-  std::cout << std::exchange(notices_, {}) << std::flush;
+  std::cout << std::flush;
   if (quits_)
     loop_.stop();
   else

@@ -196,7 +196,7 @@ Result operatorSelection(const Call& call) {
   switch (call.command.form) {
     case Form::Test:
       call.answer.line("+COPS: (2," + text(call, operatorNames[0]) + ',' + text(call, operatorNames[1]) + ',' +
-                       text(call, operatorNames[2]) + "),,(0-3),(0-2)");
+                       text(call, operatorNames[2]) + ",0),,(0-3),(0-2)");
       return Result::ok();
     case Form::Read:
       call.answer.line(call.handset().isRegistered()
