@@ -151,15 +151,11 @@ Result signalQuality(const Call& call) {
   return tell(call, "+CSQ: " + std::to_string(signal) + (signal == 99 ? ",99" : ",0"));
 }
 
-constexpr int reportsWithCell = 2;
-
 Result registration(const Call& call) {
+  constexpr int withCell = 2;
   int& reports = call.settings().registrationReports;
-  if (call.command.form != Form::Read) return numberSetting(call, reports, reportsWithCell);
-  std::string line = call.command.name + ": " + std::to_string(reports) + ',' +
-                     std::to_string(static_cast<int>(call.handset().registration()));
-  if (reports == reportsWithCell && call.handset().isRegistered()) line += R"(,"0001","0001")";
-  call.answer.line(line);
+  if (call.command.form != Form::Read) return numberSetting(call, reports, withCell);
+  call.answer.line("+CREG: " + std::to_string(reports) + ',' + call.port.registrationText());
   return Result::ok();
 }
 

@@ -245,7 +245,14 @@ void Port::announceStored(Slot slot) {
 }
 
 void Port::announceRegistration() {
-  if (settings.registrationReports > 0) announce("+CREG: " + std::to_string(static_cast<int>(handset_.registration())));
+  if (settings.registrationReports > 0) announce("+CREG: " + registrationText());
+}
+
+std::string Port::registrationText() const {
+  constexpr int withCell = 2;
+  std::string text = std::to_string(static_cast<int>(handset_.registration()));
+  if (settings.registrationReports == withCell && handset_.isRegistered()) text += R"(,"0001","0001")";
+  return text;
 }
 
 void Port::announceRouted(std::string line) {

@@ -103,6 +103,8 @@ class Port {
   Handset& handset() { return handset_; }
   // What is typed after the prompt goes there.
   void awaitData(Continuation continuation) { continuation_ = std::move(continuation); }
+  // The state, and the cell when +CREG wants to know.
+  std::string registrationText() const;
   void setRouting(const Routing& routing);
 
  private:
