@@ -31,8 +31,7 @@ TEST_F(SettingsTest, Radio_TellsSignalRegistrationAndOperator) {
   EXPECT_EQ(ask("AT+COPS=1,2,\"24405\""), "+CME ERROR: 30|");
   EXPECT_EQ(ask("AT+COPS=2;+CREG?"), "+CREG: 2,0|OK|+CREG: 0|");
   EXPECT_EQ(ask("AT+COPS?"), "+COPS: 0|OK|");
-  EXPECT_EQ(ask("AT+COPS=1,2,\"00101\";+CREG?"),
-            "+CREG: 2,1,\"0001\",\"0001\"|OK|+CREG: 1,\"0001\",\"0001\"|");
+  EXPECT_EQ(ask("AT+COPS=1,2,\"00101\";+CREG?"), "+CREG: 2,1,\"0001\",\"0001\"|OK|+CREG: 1,\"0001\",\"0001\"|");
 }
 
 TEST_F(SettingsTest, Strings_WearTheCharacterSetThatWasChosen) {
