@@ -67,6 +67,8 @@ void Simulator::run() {
   openLines();
   if (!options_.script.empty()) readScript();
   if (options_.console) readConsole();
+  // That the file cannot be written is told now, not after the first message.
+  handset_.changed();
   save();
   loop_.post([this] { pump(); });
   loop_.run();

@@ -49,10 +49,6 @@ bool sameNumber(std::string_view one, std::string_view other) {
   return longer == shorter || (shorter.size() >= enough && longer.ends_with(shorter));
 }
 
-struct Exchange::Talk {
-  std::shared_ptr<Stream> stream;
-};
-
 Exchange::Exchange(EventLoop& loop, Options options, const std::string& number, OnMessage onMessage,
                    OnArrival onArrival)
     : loop_(loop),
@@ -71,6 +67,8 @@ Exchange::Exchange(EventLoop& loop, Options options, const std::string& number, 
 }
 
 Exchange::~Exchange() {
+  for (const auto& stream : incoming_) stream->close();
+  if (outgoing_) outgoing_->close();
   std::error_code ignored;
   if (!options_.folder.empty()) std::filesystem::remove(fileOf(number_), ignored);
 }
@@ -100,9 +98,9 @@ std::optional<Endpoint> Exchange::find(const std::string& number) const {
 }
 
 void Exchange::answerCall(std::shared_ptr<Stream> stream) {
-  const auto talking = std::make_shared<Talk>(Talk{stream});
-  incoming_.push_back(talking);
-  const auto splitter = std::make_shared<LineSplitter>([this, stream](const std::string& line) {
+  incoming_.push_back(stream);
+  // Its owner is the list: a stream that kept itself would stay for ever.
+  const auto splitter = std::make_shared<LineSplitter>([this, stream = stream.get()](const std::string& line) {
     constexpr std::string_view word = "message ";
     const auto blank = line.find(' ', word.size());
     auto pdu = line.starts_with(word) && blank != line.npos ? phone::fromHex(std::string_view(line).substr(blank + 1))
@@ -115,7 +113,9 @@ void Exchange::answerCall(std::shared_ptr<Stream> stream) {
     stream->write("ok\n");
   });
   stream->onOctets = [splitter](std::string_view octets) { splitter->receive(octets); };
-  stream->onClosed = [this, talking] { std::erase(incoming_, talking); };
+  stream->onClosed = [this, closed = stream.get()] {
+    std::erase_if(incoming_, [closed](const auto& other) { return other.get() == closed; });
+  };
   stream->start();
 }
 
@@ -134,8 +134,8 @@ void Exchange::work(const std::deque<Travelling>& messages) {
     return;
   }
   alarm_.set(now + patience);
-  callTcp(loop_, *endpoint, [this, mark = due->mark](std::shared_ptr<Stream> stream) {
-    if (!underway_ || underway_->mark != mark) return;  // too late
+  callTcp(loop_, *endpoint, [this, attempt = ++attempts_](std::shared_ptr<Stream> stream) {
+    if (!underway_ || attempts_ != attempt) return;  // too late
     if (stream)
       talk(std::move(stream));
     else
@@ -155,8 +155,7 @@ void Exchange::talk(std::shared_ptr<Stream> stream) {
 void Exchange::end(bool arrived) {
   if (!underway_) return;
   alarm_.cancel();
-  // Not inside its own callback.
-  if (outgoing_) loop_.post([stream = std::exchange(outgoing_, nullptr)] { stream->close(); });
+  if (const auto stream = std::exchange(outgoing_, nullptr)) stream->close();
   const Travelling message = *std::exchange(underway_, std::nullopt);
   if (arrived) {
     restsUntil_.erase(message.number);

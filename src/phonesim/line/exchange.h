@@ -37,10 +37,10 @@ class Exchange {
   bool knows(const std::string& number) const { return find(number).has_value(); }
   // Tries to hand over the first of these that is due; onArrival tells of it. Does nothing while one is on its way.
   void work(const std::deque<Travelling>& messages);
+  // When work() should be called again without anything having happened.
+  std::optional<std::chrono::milliseconds> nextWork() const;
 
  private:
-  struct Talk;
-
   std::optional<Endpoint> find(const std::string& number) const;
   void answerCall(std::shared_ptr<Stream> stream);
   void talk(std::shared_ptr<Stream> stream);
@@ -54,14 +54,11 @@ class Exchange {
   OnArrival onArrival_;
   TcpListener listener_;
   Alarm alarm_;
-  std::deque<std::shared_ptr<Talk>> incoming_;
+  std::deque<std::shared_ptr<Stream>> incoming_;
   std::optional<Travelling> underway_;
+  unsigned attempts_ = 0;
   std::shared_ptr<Stream> outgoing_;
   std::map<std::string, std::chrono::milliseconds> restsUntil_;  // numbers that could not be reached
-
- public:
-  // When work() should be called again without anything having happened.
-  std::optional<std::chrono::milliseconds> nextWork() const;
 };
 
 // Whether two ways of writing a number mean the same line: +46 70..., 0046 70..., 070...

@@ -23,6 +23,10 @@ Terminal openTerminal(EventLoop& loop);
 void linkTerminal(const std::string& link, const std::string& path);
 void removeLink(const std::string& link) noexcept;
 
+// Whether a port is kept for a while by connections that it had. Where it is not, reuse_address() would let two
+// programs have the same port at a time.
+bool connectionsKeepPorts();
+
 // Standard input, as it comes; an empty text is its end. `receive` is called by the loop.
 void readStandardInput(EventLoop& loop, std::function<void(std::string_view)> receive);
 

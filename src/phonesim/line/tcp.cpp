@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include "phonesim/line/asio_stream.h"
+#include "phonesim/line/system.h"
 
 namespace phonesim {
 
@@ -45,8 +46,7 @@ void TcpListener::open() {
   const tcp::endpoint address(asio::ip::make_address(endpoint_.host == "localhost" ? "127.0.0.1" : endpoint_.host),
                               endpoint_.port);
   acceptor_.open(address.protocol());
-  // A connection of a moment ago does not keep the port.
-  acceptor_.set_option(tcp::acceptor::reuse_address(true));
+  acceptor_.set_option(tcp::acceptor::reuse_address(connectionsKeepPorts()));
   acceptor_.bind(address);
   acceptor_.listen();
   endpoint_.port = acceptor_.local_endpoint().port();

@@ -70,6 +70,8 @@ void linkTerminal(const std::string& link, const std::string& path) {
 
 void removeLink(const std::string& link) noexcept { ::unlink(link.c_str()); }
 
+bool connectionsKeepPorts() { return true; }
+
 void readStandardInput(EventLoop& loop, std::function<void(std::string_view)> receive) {
   struct stat info {};
   if (fstat(STDIN_FILENO, &info) != 0 || S_ISREG(info.st_mode) ||

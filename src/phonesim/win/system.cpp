@@ -34,6 +34,8 @@ Terminal openTerminal(EventLoop&) { throw std::runtime_error("There are no pseud
 void linkTerminal(const std::string&, const std::string&) {}
 void removeLink(const std::string&) noexcept {}
 
+bool connectionsKeepPorts() { return false; }
+
 void readStandardInput(EventLoop& loop, std::function<void(std::string_view)> receive) {
   auto reading = std::make_unique<Reading>(Reading{loop, std::move(receive)});
   const auto thread = reinterpret_cast<HANDLE>(_beginthreadex(nullptr, 0, readForEver, reading.get(), 0, nullptr));
