@@ -207,7 +207,8 @@ void Simulator::travel() {
   if (exchange_) exchange_->work(handset_.state().travelling);
 }
 
-// What has come in is worked off; what has changed is saved; then only is it told.
+// What has come in is worked off; what has changed is saved; then only is it told: to whoever watches first, who may
+// then rely on having seen what a program at a port has an answer to.
 void Simulator::pump() {
   const Time now = EventLoop::now();
   std::vector<std::pair<std::shared_ptr<Stream>, std::string>> output;
@@ -219,8 +220,6 @@ void Simulator::pump() {
   for (Operator& who : operators_) who.console->advance(now);
   collect();
   save();
-  for (const auto& [stream, octets] : output)
-    if (!octets.empty()) stream->write(octets);
   std::cout << std::exchange(notices_, {});
   for (Operator& who : operators_) {
     const std::string answers = std::exchange(who.answers, {});
@@ -230,6 +229,8 @@ void Simulator::pump() {
       std::cout << answers;
   }
   std::cout << std::flush;
+  for (const auto& [stream, octets] : output)
+    if (!octets.empty()) stream->write(octets);
   if (quits_)
     loop_.stop();
   else
