@@ -351,7 +351,7 @@ Result routing(const Call& call) {
   Routing routing = call.settings().routing;
   const std::array fields{&routing.mode, &routing.messages, &routing.broadcasts, &routing.reports, &routing.buffered};
   if (call.command.form == Form::Test) {
-    call.answer.line("+CNMI: (0-3),(0-3),(0),(0,1),(0,1)");
+    call.answer.line("+CNMI: (0-3),(0-3),(0,2),(0,1),(0,1)");
     return Result::ok();
   }
   if (call.command.form == Form::Read) {
@@ -360,12 +360,13 @@ Result routing(const Call& call) {
     call.answer.line(line);
     return Result::ok();
   }
-  static constexpr std::array most{3, 3, 0, 1, 1};
+  // Broadcasts may be routed; none ever arrives.
+  static constexpr std::array most{3, 3, 2, 1, 1};
   if (call.command.form != Form::Set || call.command.count() > fields.size()) return invalidParameter();
   for (std::size_t i = 0; i < fields.size(); ++i) {
     const auto value = call.command.numberAt(i, 0, 3, *fields[i]);
     if (!value) return invalidParameter();
-    if (*value > most[i]) return Result::cms(cms::operationNotSupported);
+    if (*value > most[i] || (i == 2 && *value == 1)) return Result::cms(cms::operationNotSupported);
     *fields[i] = *value;
   }
   call.port.setRouting(routing);

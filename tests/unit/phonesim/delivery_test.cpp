@@ -168,11 +168,12 @@ TEST_F(DeliveryTest, MarkedTwice_IsTakenOnce) {
 }
 
 TEST_F(DeliveryTest, Routing_TellsAndRefuses) {
-  EXPECT_EQ(ask("AT+CNMI=?"), "+CNMI: (0-3),(0-3),(0),(0,1),(0,1)|OK|");
+  EXPECT_EQ(ask("AT+CNMI=?"), "+CNMI: (0-3),(0-3),(0,2),(0,1),(0,1)|OK|");
   EXPECT_EQ(ask("AT+CNMI=3,1,0,1,1"), "OK|");
   EXPECT_EQ(ask("AT+CNMI=,2"), "OK|");
   EXPECT_EQ(ask("AT+CNMI?"), "+CNMI: 3,2,0,1,1|OK|");
-  EXPECT_EQ(ask("AT+CNMI=2,1,2"), "+CMS ERROR: 303|");
+  EXPECT_EQ(ask("AT+CNMI=2,1,1"), "+CMS ERROR: 303|");
+  EXPECT_EQ(ask("AT+CNMI=2,1,3"), "+CMS ERROR: 303|");
   EXPECT_EQ(ask("AT+CNMI=2,1,0,2"), "+CMS ERROR: 303|");
   EXPECT_EQ(ask("AT+CNMI=4"), "+CMS ERROR: 304|");
   EXPECT_EQ(ask("AT+CNMI=1,2,0,0,0,0"), "+CMS ERROR: 304|");
