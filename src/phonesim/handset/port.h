@@ -1,0 +1,145 @@
+// One of the handset's serial ports: what a host writes comes in as octets, what it reads goes out as octets. Each port
+// has its own settings and its own dialogue (ITU-T V.250; 3GPP TS 27.005, TS 27.007); memories and radio are shared.
+//
+//   port.receive("AT+CMGL=4\r", now);
+//   while the port has something to say: write(port.take(now)), again at port.nextOutput()
+#pragma once
+
+#include <deque>
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "phonesim/handset/character_set.h"
+#include "phonesim/handset/command_line.h"
+#include "phonesim/handset/errors.h"
+#include "phonesim/handset/handset.h"
+
+namespace phonesim {
+
+// New-message routing: +CNMI (3GPP TS 27.005, 3.4.1).
+struct Routing {
+  int mode = 0;
+  int messages = 0;
+  int broadcasts = 0;
+  int reports = 0;
+  int buffered = 0;
+};
+
+// What ATZ and AT&F put back.
+struct Settings {
+  bool echo = true;
+  bool verbose = true;
+  bool quiet = false;
+  ErrorStyle errors = ErrorStyle::Plain;
+  CharacterSet characters = CharacterSet::Gsm;
+  View listing = View::Sim;  // mem1 of +CPMS
+  View writing = View::Sim;  // mem2
+  int smsService = 0;        // +CSMS
+  int burst = 0;             // +CMMS
+  int registrationReports = 0;
+  int operatorFormat = 0;
+  Routing routing;
+};
+
+// How a command went.
+struct Result {
+  enum class Kind { Ok, Error, Plain, NoCarrier, Prompt };
+  Kind kind = Kind::Ok;
+  ErrorFamily family = ErrorFamily::Message;
+  int number = 0;
+
+  static Result ok() { return {}; }
+  static Result cms(int number) { return {Kind::Error, ErrorFamily::Message, number}; }
+  static Result cme(int number) { return {Kind::Error, ErrorFamily::Equipment, number}; }
+  static Result plainError() { return {Kind::Plain}; }
+  static Result noCarrier() { return {Kind::NoCarrier}; }
+  static Result prompt() { return {Kind::Prompt}; }
+};
+
+// What a command says before its result, and how long it takes.
+struct Answer {
+  struct Information {
+    std::string text;
+    Time takes{0};
+  };
+  std::vector<Information> information;
+  Time resultTakes{0};
+  bool lost = false;  // neither information nor result ever arrive
+
+  void line(std::string text, Time takes = Time{0}) { information.push_back({std::move(text), takes}); }
+};
+
+class Port {
+ public:
+  explicit Port(Handset& handset) : handset_(handset) { handset_.attach(*this); }
+  ~Port() { handset_.detach(*this); }
+  Port(const Port&) = delete;
+  Port& operator=(const Port&) = delete;
+
+  void receive(std::string_view octets, Time now);
+  // What is to be written by now.
+  std::string take(Time now);
+  // When take() should be asked again without anything having happened; nothing when there is no need.
+  std::optional<Time> nextOutput() const;
+
+  // An unsolicited line, at once, whatever is going on.
+  void interject(std::string_view line) { output_.push_front({Time{0}, framed(line)}); }
+  // One as soon as no command is running.
+  void announce(std::string line) { announcements_.push_back(std::move(line)); }
+  // The phone starts again: all settings and everything half done are gone.
+  void restart();
+
+  // ---- for the handset ----
+  bool takesDirectly(std::optional<int> messageClass) const;
+  void announceMessage(const Octets& pdu);
+  void announceStored(Slot slot);
+  void announceRegistration();
+  void announceReport(const Octets& pdu);
+
+  // ---- for the commands ----
+  using Continuation = std::function<Result(Answer&, std::string_view typed)>;
+  Settings settings;
+  Handset& handset() { return handset_; }
+  // What is typed after the prompt goes there.
+  void awaitData(Continuation continuation) { continuation_ = std::move(continuation); }
+  // The state, and the cell when +CREG wants to know.
+  std::string registrationText() const;
+  void setRouting(const Routing& routing);
+
+ private:
+  struct Piece {
+    Time due;
+    std::string octets;
+  };
+
+  bool isBusy() const { return !output_.empty() && output_.back().due > now_; }
+  void work();
+  void typeCommand(char c);
+  void typeData(char c);
+  void execute(std::string line);
+  void runCommands();
+  bool say(const Answer& answer, const Result& result);
+  void finish(const Result& result, Time takes);
+  void emit(std::string octets, Time takes = Time{0});
+  std::string framed(std::string_view text) const;
+  std::string finalLine(const Result& result) const;
+  void emitLine(std::string_view text, Time takes);
+  void announceRouted(std::string line);
+  void flushAnnouncements();
+
+  Handset& handset_;
+  Time now_{0};
+  std::deque<char> input_;
+  std::string line_;  // what was typed of the next command line
+  bool lineTooLong_ = false;
+  std::string lastLine_;  // for A/
+  std::string rest_;      // commands of the present line that have not run yet
+  Continuation continuation_;
+  std::string data_;
+  std::deque<Piece> output_;
+  std::deque<std::string> announcements_;
+  std::deque<std::string> withheld_;  // for as long as +CNMI says mode 0
+};
+
+}  // namespace phonesim
