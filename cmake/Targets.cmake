@@ -6,8 +6,8 @@ target_include_directories(project_options INTERFACE ${PROJECT_SOURCE_DIR}/src)
 target_compile_options(project_options INTERFACE
   $<$<COMPILE_LANGUAGE:CXX>:-Wall;-Wextra;-Wpedantic;-Wconversion;-Wshadow;-Werror>
   # GCC 12 sees overlapping copies in std::basic_string::replace that are none (its bug 105329).
-  $<$<COMPILE_LANGUAGE:CXX>:-Wno-restrict>)
-if(CMAKE_UNITY_BUILD)
+  $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-Wno-restrict>)
+if(CMAKE_UNITY_BUILD AND CMAKE_CXX_COMPILER_ID STREQUAL GNU)
   # A source that is compiled with others looks like a header to GCC, which warns of unnamed namespaces in headers.
   target_compile_options(project_options INTERFACE -Wno-subobject-linkage)
 endif()

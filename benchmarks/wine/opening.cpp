@@ -9,7 +9,7 @@
 #include "stage.h"
 #include "support/win32/mail_client_process.h"
 #include "support/win32/product.h"
-#include "system/mailclient/screen.h"
+#include "support/win32/screen.h"
 
 namespace bench {
 namespace {

@@ -1,5 +1,5 @@
 // Lets the simulated handset answer: each text message that is sent comes back with a few words, from the number that
-// it went to. Runs until it is ended.
+// it went to. Puts the stand-in help viewer in its place, too. Runs until it is ended.
 #include <cstdio>
 
 #include "com/bridge.h"
@@ -52,6 +52,7 @@ void serve() {
 
 int main() {
   if (FAILED(OleInitialize(nullptr))) return 1;
+  testing_support::installHelpViewer();
   try {
     serve();
   } catch (const platform::RuntimeError& error) {

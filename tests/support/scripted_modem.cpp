@@ -5,7 +5,7 @@
 #include <sstream>
 #include <stdexcept>
 
-namespace test {
+namespace testing_support {
 
 using phone::Instant;
 using phone::Milliseconds;
@@ -212,4 +212,4 @@ std::string ScriptedModem::read(Instant deadline) {
   }
 }
 
-}  // namespace test
+}  // namespace testing_support

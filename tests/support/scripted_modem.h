@@ -31,7 +31,7 @@
 
 #include "phone/line/line.h"
 
-namespace test {
+namespace testing_support {
 
 class ScriptedModem final : public phone::Line, public phone::Clock {
  public:
@@ -95,4 +95,4 @@ class ScriptedModem final : public phone::Line, public phone::Clock {
   bool lost_ = false;
 };
 
-}  // namespace test
+}  // namespace testing_support

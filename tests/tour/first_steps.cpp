@@ -80,6 +80,8 @@ void Tour::fillServiceCentre(const DialogUser& wizard) {
   waitUntil([&] { return SendMessageW(wizard.list(), CB_GETDROPPEDSTATE, 0, 0) != 0; });
   picture("wizard-service-centres");
   screen::press(VK_DOWN);
+  const auto chosen = [&] { return SendMessageW(wizard.list(), CB_GETCURSEL, 0, 0); };
+  if (!waitUntil([&] { return chosen() == 2; })) say("the list has chosen " + std::to_string(chosen()));
   screen::press(VK_RETURN);
   check(waitForText(wizard.list(), L"Austral Mobile, Australia (+61 491 570 006)"), "and operators");
   clickOn(wizard, ownNumber);

@@ -17,41 +17,48 @@ void PhoneActivity::serviceLost() {
   sending_ = receiving_ = {};
 }
 
-// One that arrives is sent at once. One that leaves was sent, or given up; the next one begins then.
-void PhoneActivity::outboxHolds(std::size_t messages, std::uint32_t now) {
-  const bool changed = messages != waiting_;
+// One that arrives is sent at once. One that leaves while the phone sends was sent, or given up; the next one begins
+// then. Otherwise somebody has deleted it.
+void PhoneActivity::outboxHolds(std::size_t messages, std::size_t characters, std::uint32_t now) {
+  const bool begins = messages > waiting_ ? isAttached_ : messages < waiting_ && sending_.set;
   waiting_ = messages;
+  sendSpan_ = longestSend * static_cast<std::uint32_t>(characters / charactersPerPart + 1);
   if (messages == 0)
     sending_ = {};
-  else if (changed && isAttached_)
+  else if (begins)
     sending_ = {true, now};
 }
 
-void PhoneActivity::commandBegan(std::uint32_t now) {
-  ++commands_;
-  if (isAttached_) receiving_ = {true, now};
+void PhoneActivity::commandBegan() {
+  if (commands_++ == 0) commandUsesPhone_ = false;
 }
 
+// What waits is sent behind a command that listed.
 void PhoneActivity::commandEnded(std::uint32_t now) {
   --commands_;
-  if (isAttached_ && waiting_ != 0) sending_ = {true, now};
+  if (isAttached_ && commandUsesPhone_ && waiting_ != 0) sending_ = {true, now};
 }
 
-void PhoneActivity::delivered(std::uint32_t now) { receiving_ = {true, now}; }
+void PhoneActivity::listing(std::uint32_t now) {
+  receiving_ = {true, now};
+  commandUsesPhone_ = commands_ > 0;
+}
+
+void PhoneActivity::delivered(std::uint32_t now) { listing(now); }
 
 // Of a send that failed the add-in says nothing more until the next run.
 void PhoneActivity::answered(bool succeeded, std::uint32_t now) {
   if (sending_.set && !succeeded)
     sending_ = {};
   else if (!sending_.set)
-    receiving_ = {true, now};
+    listing(now);
 }
 
 PhoneActivity::State PhoneActivity::state(std::uint32_t now) const {
   if (!hasService_) return State::NoService;
   if (!isAttached_) return State::NoPhone;
-  if (receiving_.isWithin(now, shownFor) || (commands_ > 0 && receiving_.set)) return State::Receiving;
-  return sending_.isWithin(now, longestSend) ? State::Sending : State::Idle;
+  if (receiving_.isWithin(now, shownFor) || (commands_ > 0 && commandUsesPhone_)) return State::Receiving;
+  return sending_.isWithin(now, sendSpan_) ? State::Sending : State::Idle;
 }
 
 bool PhoneActivity::isWorking(std::uint32_t now) const {

@@ -37,6 +37,7 @@ class Headless final : public ConsoleHost {
       TranslateMessage(&message);
       DispatchMessageW(&message);
     }
+    quit();  // when it was not we who ended the loop
     return static_cast<int>(message.wParam);
   }
 

@@ -9,7 +9,8 @@ struct HeadlessOptions {
   bool explorer = true;
 };
 
-// Runs until the command "quit", or until standard input ends. Returns the program's exit code.
+// Runs until the command "quit", or until standard input ends. Returns the program's exit code: 1
+// when not everything could be saved.
 int runHeadless(const ClientPtr& client, const HeadlessOptions& options);
 
 }  // namespace mailclient::win

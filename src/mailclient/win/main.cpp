@@ -66,6 +66,8 @@ Arguments parse(int count, wchar_t** texts) {
   return a;
 }
 
+constexpr int noDisplay = 3;  // of runWindows()
+
 int run(const Arguments& arguments) {
   com::opaqueConverter = &mailclient::win::mapiFace;
   mailclient::ClientOptions options;
@@ -77,7 +79,7 @@ int run(const Arguments& arguments) {
   const mailclient::ClientPtr client = mailclient::MailClient::create(std::move(options));
   if (arguments.headless) return mailclient::win::runHeadless(client, arguments.options);
   const int code = mailclient::win::runWindows(client, {arguments.options.explorer, arguments.console});
-  if (code != 0) std::fputs("mailclient: there is no display; --headless works without one\n", stderr);
+  if (code == noDisplay) std::fputs("mailclient: there is no display; --headless works without one\n", stderr);
   return code;
 }
 

@@ -134,6 +134,9 @@ void MessageListView::applyRows() {
     if (!model_.isSelected(rows[static_cast<std::size_t>(row)])) setState(list_, row, 0, LVIS_SELECTED);
   for (std::size_t row = 0; model_.hasSelection() && row < rows.size(); ++row)
     if (model_.isSelected(rows[row])) setState(list_, static_cast<int>(row), LVIS_SELECTED, LVIS_SELECTED);
+  // The arrow keys go on from the item that they were at.
+  const int chosen = nextRow(list_, -1, LVNI_SELECTED);
+  if (chosen >= 0 && nextRow(list_, -1, LVNI_FOCUSED | LVNI_SELECTED) < 0) setFocus(chosen);
   InvalidateRect(list_, nullptr, FALSE);
   applying_ = false;
 }
@@ -154,9 +157,13 @@ void MessageListView::catchUp() {
   hears_.selectionChanged();
 }
 
+void MessageListView::setFocus(int row) {
+  setState(list_, row, LVIS_FOCUSED, LVIS_FOCUSED);
+  SendMessageW(list_, LVM_SETSELECTIONMARK, 0, row);
+}
+
 void MessageListView::focusRow(std::size_t row) {
-  setState(list_, static_cast<int>(row), LVIS_FOCUSED, LVIS_FOCUSED);
-  SendMessageW(list_, LVM_SETSELECTIONMARK, 0, static_cast<LPARAM>(row));
+  setFocus(static_cast<int>(row));
   SendMessageW(list_, LVM_ENSUREVISIBLE, row, FALSE);
 }
 

@@ -44,6 +44,7 @@ class MessageListView {
   void showSorting();
   void applyRows();
   void takeSelection();
+  void setFocus(int row);
   void focusRow(std::size_t row);
   void fill(NMLVDISPINFOW& wanted) const;
   LRESULT paint(NMLVCUSTOMDRAW& what) const;

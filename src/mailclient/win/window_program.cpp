@@ -137,10 +137,11 @@ class WindowProgram::OutboxWatch final : public FolderObserver {
  private:
   void look() {
     const auto& all = outbox_->messages();
-    const auto waiting = std::count_if(all.begin(), all.end(), [](const MessagePtr& m) {
-      return isOfClass((*m)[Text::MessageClass], textMessageClass);
-    });
-    program_.phone_.outboxHolds(static_cast<std::size_t>(waiting), GetTickCount());
+    const auto isText = [](const MessagePtr& m) { return isOfClass((*m)[Text::MessageClass], textMessageClass); };
+    const auto waiting = std::count_if(all.begin(), all.end(), isText);
+    const auto first = std::find_if(all.begin(), all.end(), isText);
+    const std::size_t characters = first == all.end() ? 0 : (**first)[Text::Body].size();
+    program_.phone_.outboxHolds(static_cast<std::size_t>(waiting), characters, GetTickCount());
     program_.showPhone();
   }
 
@@ -323,7 +324,10 @@ void WindowProgram::opened(const InspectorPtr& window) {
   inspectors_[window.get()] = std::move(frame);
   const Serving atWork(shown);  // it may be closed while it comes to the front
   const MessagePtr message = window->message;
-  if (!shown.open()) client_->windows().close(window);
+  if (!shown.open()) {
+    client_->windows().close(window);
+    return;
+  }
   if (message->unread && message->saved() && !message->gone)
     attempt(*this, nullptr, [&] { client_->store().setUnread(message, false); });
 }
@@ -435,7 +439,7 @@ String WindowProgram::timeText(Date utc) const {
 
 void WindowProgram::click(const ControlPtr& control) {
   const bool ofAddIn = !control->builtIn;
-  if (ofAddIn) phone_.commandBegan(GetTickCount());
+  if (ofAddIn) phone_.commandBegan();
   showPhone();
   attempt(*this, activeHandle(), [&] { client_->explorerBars().click(control); });
   saveButtons();

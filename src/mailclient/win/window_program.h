@@ -10,7 +10,8 @@ struct WindowOptions {
   bool console = false;  // commands on standard input as well
 };
 
-// Runs until the last window closes. Returns the program's exit code: 3 when there is no display.
+// Runs until the last window closes. Returns the program's exit code: 1 when not everything could be
+// saved, 3 when there is no display.
 int runWindows(const ClientPtr& client, const WindowOptions& options);
 
 }  // namespace mailclient::win

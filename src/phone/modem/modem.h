@@ -74,6 +74,8 @@ class Modem {
   const std::string& name() const noexcept { return name_; }  // maker and model
   SimState simState() const noexcept { return simState_; }
   const MemoryState& memory(Memory memory) const { return memories_[static_cast<std::size_t>(memory)]; }
+  // It says so when a message has arrived.
+  bool announces() const noexcept { return announces_; }
   bool isSupported(Memory which) const { return !memory(which).name.empty(); }
 
   // Everything in the memory. Unread messages are read ones from then on.
@@ -152,6 +154,7 @@ class Modem {
   SimState simState_ = SimState::Unknown;
   std::array<MemoryState, 2> memories_;
   bool setUp_ = false;
+  bool announces_ = false;
   bool numbersErrors_ = false;       // +CMEE was accepted
   std::string chosen_;               // the memory that commands are about
   std::string arrivals_;             // where the modem puts what arrives; empty: unknown

@@ -78,8 +78,8 @@ void Modem::chooseFormat() {
 
 // Messages are to be stored and announced; status reports are not asked for.
 void Modem::chooseNotices() {
-  for (const char* setting : {"AT+CNMI=2,1,0,0,0", "AT+CNMI=1,1,0,0,0", "AT+CNMI=2,1", "AT+CNMI=1,1"})
-    if (accepts(setting)) return;
+  static constexpr std::array settings{"AT+CNMI=2,1,0,0,0", "AT+CNMI=1,1,0,0,0", "AT+CNMI=2,1", "AT+CNMI=1,1"};
+  announces_ = std::any_of(settings.begin(), settings.end(), [this](const char* setting) { return accepts(setting); });
 }
 
 std::string Modem::identity(const std::string& command, const std::string& twin) {

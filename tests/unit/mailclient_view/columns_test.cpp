@@ -207,45 +207,84 @@ TEST(PhoneActivityTest, WithoutServiceOrPhone_SaysSo) {
 TEST(PhoneActivityTest, MessageInTheOutbox_IsSentUntilItLeaves) {
   PhoneActivity phone;
   phone.attached(true, u"T68");
-  phone.outboxHolds(2, 100);
+  phone.outboxHolds(2, 5, 100);
   EXPECT_EQ(phone.text(200), u"Sending 2 text messages...");
   EXPECT_TRUE(phone.isWorking(200));
   phone.answered(true, 300);
-  phone.outboxHolds(1, 300);
+  phone.outboxHolds(1, 5, 300);
   EXPECT_EQ(phone.text(300), u"Sending 1 text message...");
-  phone.outboxHolds(0, 400);
+  phone.outboxHolds(0, 0, 400);
   EXPECT_EQ(phone.text(400), u"T68 connected");
   EXPECT_FALSE(phone.isWorking(400));
 }
 
-TEST(PhoneActivityTest, SendThatFailsOrIsNeverAnswered_DoesNotGoOn) {
+TEST(PhoneActivityTest, SendThatIsNeverAnswered_GoesOnAsLongAsTheTextsPartsAreWaitedFor) {
+  struct Case {
+    std::size_t characters;
+    std::uint32_t span;
+  };
+  for (const auto& [characters, span] : {Case{1, 25000}, Case{159, 25000}, Case{160, 50000}, Case{500, 100000}}) {
+    PhoneActivity phone;
+    phone.attached(true, u"T68");
+    phone.outboxHolds(1, characters, 0);
+    EXPECT_EQ(phone.text(span - 1), u"Sending 1 text message...") << characters;
+    EXPECT_EQ(phone.text(span), u"T68 connected") << characters;
+  }
+}
+
+TEST(PhoneActivityTest, SendThatFails_IsOver_UntilACommandThatListsTriesAgain) {
   PhoneActivity phone;
   phone.attached(true, u"T68");
-  phone.outboxHolds(1, 0);
+  phone.outboxHolds(1, 5, 0);
   phone.answered(false, 10);
   EXPECT_EQ(phone.text(20), u"T68 connected");
-  phone.commandBegan(100);
+  phone.commandBegan();
+  phone.answered(true, 150);
   phone.commandEnded(200);
-  EXPECT_EQ(phone.text(2000), u"Sending 1 text message...") << "the command tries again";
+  EXPECT_EQ(phone.text(2000), u"Sending 1 text message...");
   EXPECT_EQ(phone.text(25200), u"T68 connected");
+}
+
+TEST(PhoneActivityTest, MessageDeletedFromTheOutbox_SendsNothing) {
+  PhoneActivity phone;
+  phone.attached(true, u"T68");
+  phone.outboxHolds(2, 5, 0);
+  phone.answered(false, 10);
+  phone.outboxHolds(1, 5, 20);
+  EXPECT_EQ(phone.text(20), u"T68 connected");
 }
 
 TEST(PhoneActivityTest, WaitingMessagesWithoutAPhone_AreNotSent) {
   PhoneActivity phone;
   phone.attached(false, {});
-  phone.outboxHolds(1, 0);
+  phone.outboxHolds(1, 5, 0);
   EXPECT_EQ(phone.text(10), u"No phone connected");
   phone.attached(true, u"T68");
   EXPECT_EQ(phone.text(20), u"T68 connected");
 }
 
-TEST(PhoneActivityTest, Listing_ShowsForAMoment_AndAsLongAsTheCommandRuns) {
+TEST(PhoneActivityTest, CommandWithoutThePhone_SaysNothingOfIt) {
+  PhoneActivity phone;
+  phone.attached(true, u"T68");
+  phone.outboxHolds(1, 5, 0);
+  phone.answered(false, 10);
+  phone.delivered(100);
+  phone.commandBegan();
+  EXPECT_EQ(phone.text(2000), u"T68 connected") << "what was heard before it is of another command";
+  phone.commandEnded(2000);
+  EXPECT_EQ(phone.text(2000), u"T68 connected");
+}
+
+TEST(PhoneActivityTest, Listing_ShowsForAMoment_AndAsLongAsItsCommandRuns) {
   PhoneActivity phone;
   phone.attached(true, u"T68");
   phone.delivered(0xFFFFFF00u);
   EXPECT_EQ(phone.state(0x00000100u), PhoneActivity::State::Receiving) << "the clock has begun again";
   EXPECT_EQ(phone.state(0x00001000u), PhoneActivity::State::Idle);
-  phone.commandBegan(0x2000);
+  phone.commandBegan();
+  phone.delivered(0x2000);
+  phone.commandBegan();  // from inside the first one's wait
+  phone.commandEnded(0x3000);
   EXPECT_EQ(phone.text(0x9000), u"Receiving text messages...");
   phone.commandEnded(0x9000);
   EXPECT_EQ(phone.text(0x9000), u"T68 connected");

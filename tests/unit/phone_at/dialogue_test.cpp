@@ -10,7 +10,7 @@ using namespace phone::at;
 using phone::Instant;
 using phone::LineLost;
 using phone::Milliseconds;
-using test::ScriptedModem;
+using testing_support::ScriptedModem;
 using Heard = std::vector<std::string>;
 using Kind = Result::Kind;
 using Infos = std::vector<Information>;

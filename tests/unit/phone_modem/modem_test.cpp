@@ -20,7 +20,7 @@ void PrintTo(const Outcome& outcome, std::ostream* out) {
 namespace {
 
 using namespace phone;
-using test::ScriptedModem;
+using testing_support::ScriptedModem;
 using Heard = std::vector<std::string>;
 using Kind = Outcome::Kind;
 

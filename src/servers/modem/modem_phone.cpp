@@ -1,0 +1,334 @@
+#include "servers/modem/modem_phone.h"
+
+#include <algorithm>
+
+#include "addin/platform/runtime_error.h"
+
+namespace servers::modem {
+
+using handset::OutgoingMessage;
+using handset::Phone;
+using handset::Store;
+using phone::Instant;
+using phone::Memory;
+using phone::Milliseconds;
+using phone::Modem;
+using phone::Outcome;
+using phone::Slot;
+using platform::Counted;
+using platform::Hold;
+using platform::Ref;
+
+namespace {
+
+constexpr std::int32_t refreshDelay = 300;  // after a deletion: more of them may follow
+constexpr std::int32_t retryDelay = 30000;  // after a listing that failed
+// A modem that does not say when messages arrive is looked at when somebody asks, but not more often than this; one
+// that does, now and then, in case that a notice got lost.
+constexpr Milliseconds silentAge{50000};
+constexpr Milliseconds announcingAge{600000};
+// An answer that is on its way when the asker stops waiting would be taken for the answer to its next question.
+constexpr Milliseconds answerMargin{500};
+
+std::size_t at(Memory memory) { return static_cast<std::size_t>(memory); }
+
+}  // namespace
+
+// A request under way. Its work is dropped with it.
+struct ModemPhone::Pending final : Counted {
+  OnMessage onMessage;
+  OnEnd onEnd;
+  std::vector<phone::JoinedMessage> toList;
+  std::size_t listed = 0;
+  Ref<Counted> work;
+};
+
+// What the asker holds: letting it go forgets the callbacks.
+struct ModemPhone::Forgetting final : Counted {
+  explicit Forgetting(Ref<Pending> p) : pending(std::move(p)) {}
+  ~Forgetting() override {
+    pending.get()->onMessage = nullptr;
+    pending.get()->onEnd = nullptr;
+  }
+  Ref<Pending> pending;
+};
+
+ModemPhone::ModemPhone(Scheduler& scheduler, const phone::Clock& clock, std::unique_ptr<Wire> wire,
+                       std::uint8_t reference)
+    : scheduler_(scheduler), clock_(clock), reference_(reference), wire_(std::move(wire)) {
+  wire_->open({[this](Presence presence) { found(std::move(presence)); }, [this] { lost(); },
+               [this](const phone::Notice& notice) { noticed(notice); }});
+}
+
+ModemPhone::~ModemPhone() = default;
+
+void ModemPhone::terminate() noexcept {
+  wire_.reset();
+  connected_ = false;
+  sends_.clear();
+  refreshing_ = {};
+  for (const auto& pending : std::exchange(pending_, {})) pending.get()->work = nullptr;
+}
+
+void ModemPhone::requireConnected() const {
+  if (!connected_) platform::raiseError(handset::notConnected, u"SMS_OBJECT", u"The phone is not connected");
+}
+
+Memory ModemPhone::memoryOfStore(Store store) const {
+  const auto memory = memoryOf(store);
+  if (!memory) platform::raiseError(5);
+  return *memory;
+}
+
+bool ModemPhone::isStorageSupported(Store store) {
+  requireConnected();
+  const auto memory = memoryOf(store);
+  return memory && isSupported(*memory);
+}
+
+std::int16_t ModemPhone::storageCapacity(Store store) {
+  requireConnected();
+  return static_cast<std::int16_t>(std::min(presence_.capacity[at(memoryOfStore(store))], INT16_MAX));
+}
+
+std::int16_t ModemPhone::storageUsed(Store store) {
+  requireConnected();
+  return static_cast<std::int16_t>(std::min<std::size_t>(copy_.used(memoryOfStore(store)), INT16_MAX));
+}
+
+Ref<ModemPhone::Pending> ModemPhone::begin(OnEnd onEnd) {
+  auto pending = platform::make<Pending>();
+  pending.get()->onEnd = std::move(onEnd);
+  pending_.push_back(pending);
+  return pending;
+}
+
+Phone::Request ModemPhone::asked(const Ref<Pending>& pending) const { return platform::make<Forgetting>(pending); }
+
+void ModemPhone::endLater(Pending& pending, std::int32_t result) {
+  pending.work = scheduler_.after(0, [this, request = &pending, result] { end(*request, result); });
+}
+
+void ModemPhone::end(Pending& pending, std::int32_t result) {
+  const Hold<ModemPhone> keep(this);
+  const Ref<Pending> kept(&pending);
+  const OnEnd onEnd = std::exchange(pending.onEnd, nullptr);
+  std::erase_if(pending_, [&](const Ref<Pending>& p) { return p.get() == &pending; });
+  if (onEnd) onEnd(result);
+}
+
+Phone::Request ModemPhone::list(Store store, std::int32_t filter, OnMessage onMessage, OnEnd onEnd) {
+  requireConnected();
+  const auto pending = begin(std::move(onEnd));
+  const auto memory = memoryOf(store);
+  if (!memory || !isSupported(*memory)) {
+    endLater(*pending.get(), handset::invalidStore);
+    return asked(pending);
+  }
+  pending.get()->onMessage = std::move(onMessage);
+  pending.get()->toList = copy_.messages(*memory, filter, clock_.now());
+  pending.get()->work = scheduler_.after(0, [this, listing = pending.get()] { listNext(*listing); });
+  const Milliseconds age = clock_.now() - refreshed_[at(*memory)];
+  if (age >= (presence_.announces ? announcingAge : silentAge)) refreshSoon(*memory);
+  return asked(pending);
+}
+
+// One message, or the end, per piece of work.
+void ModemPhone::listNext(Pending& listing) {
+  const Hold<ModemPhone> keep(this);
+  const Ref<Pending> kept(&listing);
+  if (listing.listed == listing.toList.size()) return end(listing, handset::success);
+
+  const phone::JoinedMessage& message = listing.toList[listing.listed++];
+  listing.work = scheduler_.after(0, [this, next = &listing] { listNext(*next); });
+  const OnMessage onMessage = listing.onMessage;
+  if (!onMessage) return;
+  copy_.handedOver(message);
+  onMessage(MessageCopy::shown(message));
+}
+
+Phone::Request ModemPhone::remove(Store store, std::int16_t index, OnEnd onEnd) {
+  requireConnected();
+  const auto pending = begin(std::move(onEnd));
+  const auto memory = memoryOf(store);
+  if (!memory || !isSupported(*memory)) {
+    endLater(*pending.get(), handset::invalidStore);
+    return asked(pending);
+  }
+  auto deletions = copy_.toDelete({*memory, index});
+  if (deletions.empty()) {
+    endLater(*pending.get(), handset::emptySlot);
+    return asked(pending);
+  }
+  // The handle goes last, and with a failure the rest stays: the message can be asked for again. The line's thread gets
+  // the request's address, the phone's thread keeps the request.
+  ask([this, deletions = std::move(deletions), request = pending.get()](Modem& modem) -> Wire::Answer {
+    std::vector<Removal> removals;
+    for (const auto& [slot, pdu] : deletions) {
+      removals.push_back({slot, MessageCopy::isKeptHere(slot) ? Outcome{} : modem.remove(slot, pdu)});
+      const Outcome::Kind kind = removals.back().outcome.kind;
+      if (kind != Outcome::Kind::Done && kind != Outcome::Kind::Empty) break;
+    }
+    return [this, removals = std::move(removals), request] { removed(Ref<Pending>(request), removals); };
+  });
+  return asked(pending);
+}
+
+void ModemPhone::removed(const Ref<Pending>& pending, const std::vector<Removal>& removals) {
+  const Hold<ModemPhone> keep(this);
+  std::int32_t result = handset::emptySlot;
+  for (const Removal& removal : removals) {
+    const std::int32_t code = phone::resultCode(removal.outcome);
+    if (code != handset::emptySlot) result = code;
+    if (code != handset::emptySlot && code != handset::success) break;
+    copy_.deleted(removal.slot);
+    refreshSoon(removal.slot.memory);
+  }
+  end(*pending.get(), result);
+}
+
+Phone::Request ModemPhone::send(const OutgoingMessage& message, OnEnd onEnd) {
+  requireConnected();
+  const auto pending = begin(std::move(onEnd));
+  SendRecord::Entry& entry = record_.request(message);
+  const auto refuse = [&](const Outcome& outcome) { endLater(*pending.get(), phone::resultCode(outcome)); };
+  if (entry.toldTooLate) {
+    record_.ended(entry, {}, true);
+    refuse({});
+    return asked(pending);
+  }
+  if (entry.unknown) {
+    refuse({Outcome::Kind::Unknown});
+    return asked(pending);
+  }
+  if (!entry.open && !entry.sending) {
+    auto sending = std::make_shared<phone::Sending>();
+    const Outcome prepared =
+        Modem::prepare(message.serviceCentre, message.destination, message.text, reference_++, *sending);
+    if (!prepared.done()) {
+      record_.ended(entry, prepared, true);
+      refuse(prepared);
+      return asked(pending);
+    }
+    entry.sending = std::move(sending);
+  }
+  if (!entry.open) {
+    sends_.push_back({message.destination, message.text, {}});
+    handOver(entry);
+  }
+  const auto open = std::find_if(sends_.begin(), sends_.end(), [&](const OpenSend& s) {
+    return s.destination == message.destination && s.text == message.text;
+  });
+  open->waiting.push_back({pending, clock_.now() + patienceFor(message) - answerMargin});
+  return asked(pending);
+}
+
+void ModemPhone::handOver(SendRecord::Entry& entry) {
+  entry.open = true;
+  ask([this, destination = entry.destination, text = entry.text,
+       sending = entry.sending](Modem& modem) -> Wire::Answer {
+    const Outcome outcome = modem.send(*sending);
+    return [this, destination, text, outcome] { sent(destination, text, outcome); };
+  });
+}
+
+void ModemPhone::sent(const platform::String& destination, const platform::String& text, const Outcome& outcome) {
+  const Hold<ModemPhone> keep(this);
+  const auto open = std::find_if(sends_.begin(), sends_.end(),
+                                 [&](const OpenSend& s) { return s.destination == destination && s.text == text; });
+  SendRecord::Entry* const entry = record_.find(destination, text);
+  if (open == sends_.end() || !entry) return;
+  const auto waiting = std::move(open->waiting);
+  sends_.erase(open);
+  // Requests of which nobody waits for the answer any more never get one: it would be taken for another's.
+  std::vector<Ref<Pending>> told;
+  for (const Waiting& one : waiting)
+    if (clock_.now() < one.until && one.pending.get()->onEnd) told.push_back(one.pending);
+  record_.ended(*entry, outcome, !told.empty());
+  for (const Waiting& one : waiting)
+    if (clock_.now() >= one.until) std::erase_if(pending_, [&](const Ref<Pending>& p) { return p == one.pending; });
+  for (const auto& pending : told) end(*pending.get(), phone::resultCode(outcome));
+}
+
+void ModemPhone::ask(Wire::Deed deed) {
+  if (wire_) wire_->ask(presence_.life, std::move(deed));
+}
+
+void ModemPhone::found(Presence presence) {
+  const Hold<ModemPhone> keep(this);
+  presence_ = std::move(presence);
+  name_.assign(presence_.name.begin(), presence_.name.end());
+  for (const Memory memory : {Memory::Phone, Memory::Sim}) {
+    copy_.take(memory, presence_.stored[at(memory)], clock_.now());
+    refreshed_[at(memory)] = clock_.now();
+  }
+  presence_.stored = {};
+  connected_ = true;
+  removeLeftovers();
+  watchers_.tell(true);
+}
+
+void ModemPhone::lost() {
+  const Hold<ModemPhone> keep(this);
+  connected_ = false;
+  record_.lost();
+  sends_.clear();
+  refreshing_ = {};
+  // The askers may hold on to their requests; nothing comes of them any more.
+  for (const auto& pending : std::exchange(pending_, {})) pending.get()->work = nullptr;
+  watchers_.tell(false);
+}
+
+void ModemPhone::noticed(const phone::Notice& notice) {
+  using Kind = phone::Notice::Kind;
+  if (notice.kind == Kind::Direct) copy_.keep(notice.pdu, clock_.now());
+  if (notice.kind != Kind::Stored || !connected_) return;
+  if (notice.slot) return readSlot(*notice.slot);
+  for (const Memory memory : {Memory::Phone, Memory::Sim}) refreshSoon(memory);
+}
+
+void ModemPhone::readSlot(Slot slot) {
+  ask([this, slot](Modem& modem) -> Wire::Answer {
+    const phone::Reading reading = modem.read(slot);
+    return [this, slot, reading] {
+      if (!reading.outcome.done() || !reading.whole) return refreshSoon(slot.memory);
+      copy_.takeOne(slot, reading.message, clock_.now());
+      removeLeftovers();
+    };
+  });
+}
+
+void ModemPhone::refreshSoon(Memory memory) {
+  auto& work = refreshing_[at(memory)];
+  if (work || !connected_ || !isSupported(memory)) return;
+  work = scheduler_.after(refreshDelay, [this, memory] { refresh(memory); });
+}
+
+void ModemPhone::refresh(Memory memory) {
+  refreshing_[at(memory)] = nullptr;
+  ask([this, memory](Modem& modem) -> Wire::Answer {
+    phone::Listing listing = modem.list(memory);
+    return [this, memory, listing = std::move(listing)] {
+      if (listing.outcome.done()) {
+        copy_.take(memory, listing.messages, clock_.now());
+        refreshed_[at(memory)] = clock_.now();
+        return removeLeftovers();
+      }
+      // What was there is not forgotten because it cannot be read now.
+      refreshing_[at(memory)] = scheduler_.after(retryDelay, [this, memory] { refresh(memory); });
+    };
+  });
+}
+
+// Without looking at the memory again: with a phone that only says that it deletes, that would never end.
+void ModemPhone::removeLeftovers() {
+  for (auto& leftover : copy_.leftovers(clock_.now()))
+    ask([this, leftover](Modem& modem) -> Wire::Answer {
+      const Outcome outcome = modem.remove(leftover.slot, leftover.pdu);
+      return [this, slot = leftover.slot, outcome] {
+        if (outcome.done() || outcome.kind == Outcome::Kind::Empty) copy_.deleted(slot);
+      };
+    });
+}
+
+}  // namespace servers::modem

@@ -1,0 +1,450 @@
+#include "servers/modem/modem_phone.h"
+
+#include <gtest/gtest.h>
+
+#include "phone/modem/outcome.h"
+#include "phone/pdu/deliver.h"
+#include "phone/pdu/hex.h"
+#include "support/errors.h"
+#include "support/text.h"
+#include "unit/modem_phone/rig.h"
+
+namespace {
+
+using namespace handset;
+using modem_testing::Rig;
+using modem_testing::RigWire;
+using phone::Milliseconds;
+using platform::Counted;
+using platform::Ref;
+using platform::String;
+using platform::StringView;
+using servers::modem::ModemPhone;
+using testing_support::errorNumberOf;
+using testing_support::utf8;
+using Lines = std::vector<std::string>;
+
+const std::string hello = "07916407058099F9040B916407214365F70000102030405060000AE8329BFD4697D9EC37";
+const std::string hej = "07916407058099F9040B916407214365F70008102030405061000600480065006A";
+
+std::string listingOf(const std::string& memory, const std::vector<std::pair<int, std::string>>& messages) {
+  std::string script = "on " + memory + ": AT+CMGL=4\n";
+  for (const auto& [index, pdu] : messages)
+    script += "  say +CMGL: " + std::to_string(index) + ",0,," +
+              std::to_string(*phone::tpduLength(*phone::fromHex(pdu))) + "\n  say " + pdu + "\n";
+  return script + "  say OK\n";
+}
+
+std::string readingOf(const std::string& memory, int index, const std::string& pdu) {
+  return "on " + memory + ": AT+CMGR=" + std::to_string(index) + "\n  say +CMGR: 0,," +
+         std::to_string(*phone::tpduLength(*phone::fromHex(pdu))) + "\n  say " + pdu + "\n  say OK\n";
+}
+
+// A long message from +46701234567.
+Lines partsOf(std::u16string_view text) {
+  phone::Deliver like;
+  like.originator = *phone::parseNumber(u"+46701234567");
+  like.timeStamp = {2001, 2, 3, 4, 5, 6, 0};
+  Lines parts;
+  for (const phone::EncodedPdu& part : phone::encodeDeliver(like, text, 3)) parts.push_back(phone::toHex(part.octets));
+  return parts;
+}
+
+class ModemPhoneTest : public testing::Test {
+ protected:
+  ~ModemPhoneTest() override {
+    watching = nullptr;
+    phone = nullptr;
+    EXPECT_EQ(Counted::census, census);
+    EXPECT_EQ(rig.time.pendingWork(), 0u);
+  }
+
+  // A phone with such a modem, found and with nothing to do.
+  void begin(const std::string& script) {
+    rig.plug(script);
+    if (!phone) {
+      phone = platform::make<ModemPhone>(rig.time, rig.clock, std::make_unique<RigWire>(rig), std::uint8_t{7});
+      watching = phone->watch([this](bool connected) { told.push_back(connected); });
+    }
+    ASSERT_TRUE(rig.step());
+    rig.modem->heard.clear();
+  }
+
+  Lines listed(Store store, std::int32_t filter = allStatuses) {
+    Lines lines;
+    const auto request = phone->list(
+        store, filter,
+        [&](const StoredMessage& m) {
+          lines.push_back(std::to_string(m.index) + " " + std::to_string(static_cast<int>(m.status)) + " " +
+                          utf8(m.number) + " " + utf8(m.timeStamp) + " " + utf8(m.text));
+        },
+        [&](std::int32_t result) { lines.push_back("end " + hex(result)); });
+    rig.time.runDue();
+    return lines;
+  }
+  std::string removed(Store store, std::int16_t index) {
+    std::string result;
+    const auto request = phone->remove(store, index, [&](std::int32_t code) { result = hex(code); });
+    rig.time.runDue();
+    rig.work();
+    return result;
+  }
+  // What is answered, once everything is done that is under way; empty when nothing was.
+  struct Sent {
+    std::string result;
+    Phone::Request request;
+  };
+  std::shared_ptr<Sent> hand(StringView text, StringView number = u"+46701234567") {
+    auto sent = std::make_shared<Sent>();
+    sent->request = phone->send({u"", String(number), String(text)},
+                                [raw = sent.get()](std::int32_t code) { raw->result = hex(code); });
+    return sent;
+  }
+  std::string sent(StringView text) {
+    const auto handed = hand(text);
+    rig.time.runDue();
+    rig.work();
+    return handed->result;
+  }
+  static std::string hex(std::int32_t code) {
+    char text[9];
+    std::snprintf(text, sizeof text, "%X", static_cast<unsigned>(code));
+    return text;
+  }
+  Lines heardOf(const char* beginning) const { return rig.modem->heardOf(beginning); }
+
+  const std::int32_t census = Counted::census;
+  Rig rig;
+  std::vector<bool> told;
+  Ref<ModemPhone> phone;
+  Ref<Counted> watching;
+};
+
+TEST_F(ModemPhoneTest, Found_IsConnectedAndAnswersAtOnce) {
+  begin("like plain");
+  EXPECT_EQ(told, std::vector{true});
+  EXPECT_TRUE(phone->isConnected());
+  EXPECT_EQ(phone->name(), u"Maker Model 7");
+  EXPECT_TRUE(phone->isStorageSupported(Store::Phone));
+  EXPECT_FALSE(phone->isStorageSupported(static_cast<Store>(3)));
+  EXPECT_EQ(phone->storageCapacity(Store::Sim), 20);
+  EXPECT_EQ(phone->storageUsed(Store::Sim), 2);
+  EXPECT_EQ(phone->storageUsed(Store::Phone), 0);
+  EXPECT_EQ(listed(Store::Sim),
+            (Lines{"1 1 +46701234567 010203040506 hellohello", "3 0 +46701234567 010203040516 Hej", "end 0"}));
+  EXPECT_EQ(listed(Store::Phone), Lines{"end 0"});
+  EXPECT_EQ(rig.letters.size(), 0u);
+  EXPECT_EQ(rig.modem->heard, Lines());
+}
+
+TEST_F(ModemPhoneTest, NotFoundYet_IsAnErrorToAsk) {
+  rig.plug("echo off\non AT");
+  phone = platform::make<ModemPhone>(rig.time, rig.clock, std::make_unique<RigWire>(rig), std::uint8_t{7});
+  EXPECT_FALSE(rig.step());
+  EXPECT_FALSE(phone->isConnected());
+  EXPECT_EQ(errorNumberOf([&] { phone->storageUsed(Store::Sim); }), notConnected);
+  EXPECT_EQ(errorNumberOf([&] { listed(Store::Sim); }), notConnected);
+  EXPECT_EQ(errorNumberOf([&] { hand(u"x"); }), notConnected);
+  EXPECT_EQ(errorNumberOf([&] { removed(Store::Sim, 1); }), notConnected);
+  EXPECT_EQ(told, std::vector<bool>());
+}
+
+TEST_F(ModemPhoneTest, UnreadMessage_IsUnreadUntilItWasHandedOver) {
+  begin("like plain");
+  EXPECT_EQ(listed(Store::Sim, 0), (Lines{"3 0 +46701234567 010203040516 Hej", "end 0"}));
+  EXPECT_EQ(listed(Store::Sim, 0), Lines{"end 0"});
+  EXPECT_EQ(listed(Store::Sim, 1).size(), 3u);
+}
+
+TEST_F(ModemPhoneTest, ListingThatNobodyWantsAnyMore_HandsNothingOver) {
+  begin("like plain");
+  phone->list(
+      Store::Sim, 0, [](const StoredMessage&) { ADD_FAILURE(); }, [](std::int32_t) { ADD_FAILURE(); });
+  rig.time.runDue();
+  EXPECT_EQ(listed(Store::Sim, 0), (Lines{"3 0 +46701234567 010203040516 Hej", "end 0"}));
+}
+
+TEST_F(ModemPhoneTest, MissingMemory_IsAnInvalidStore) {
+  begin("like one-memory");
+  EXPECT_FALSE(phone->isStorageSupported(Store::Phone));
+  EXPECT_EQ(listed(Store::Phone), Lines{"end " + hex(invalidStore)});
+  EXPECT_EQ(removed(Store::Phone, 1), hex(invalidStore));
+  EXPECT_EQ(errorNumberOf([&] { phone->storageCapacity(static_cast<Store>(3)); }), 5);
+}
+
+TEST_F(ModemPhoneTest, AnnouncedMessage_IsReadAndUnread) {
+  begin("like plain\n" + listingOf("SM", {}) + readingOf("ME", 4, hello) + "at 2000\n  say +CMTI: \"ME\",4");
+  rig.step();
+  EXPECT_EQ(listed(Store::Phone, 0), Lines{"end 0"});
+  rig.work();
+  EXPECT_EQ(rig.modem->heard, (Lines{"AT+CPMS=\"ME\",\"ME\",\"SM\"", "AT+CMGR=4"}));
+  EXPECT_EQ(listed(Store::Phone, 0), (Lines{"4 0 +46701234567 010203040506 hellohello", "end 0"}));
+  EXPECT_EQ(phone->storageUsed(Store::Phone), 1);
+}
+
+TEST_F(ModemPhoneTest, MessageAnnouncedInAnUnknownMemory_IsLookedForInBoth) {
+  begin("like plain\nat 2000\n  say +CMTI: \"XX\",4");
+  rig.step();
+  rig.time.run(400);
+  rig.work();
+  EXPECT_EQ(heardOf("AT+CMGL").size(), 2u);
+}
+
+TEST_F(ModemPhoneTest, MessageStoredNowhere_IsKeptUntilDeleted) {
+  // Not the one that lies in slot 1: it has another sender.
+  std::string other = hello;
+  other.replace(other.find("407214365F7"), 11, "407214365F8");
+  begin("like plain\nat 2000\n  say +CMT: ,28\n  say " + other);
+  rig.step();
+  rig.step();
+  EXPECT_EQ(listed(Store::Sim, 0),
+            (Lines{"3 0 +46701234567 010203040516 Hej", "30000 0 +46701234568 010203040506 hellohello", "end 0"}));
+  EXPECT_EQ(phone->storageUsed(Store::Sim), 2);
+  EXPECT_EQ(removed(Store::Sim, 30000), "0");
+  EXPECT_EQ(heardOf("AT+CMG"), Lines());
+  EXPECT_EQ(listed(Store::Sim, 0), Lines{"end 0"});
+}
+
+TEST_F(ModemPhoneTest, Deleting_RemovesFromThePhoneAndLooksAgain) {
+  begin("like plain\n" + listingOf("SM", {{1, hello}, {3, hej}}) + listingOf("SM", {{3, hej}}));
+  listed(Store::Sim);
+  EXPECT_EQ(removed(Store::Sim, 1), "0");
+  EXPECT_EQ(rig.modem->heard, (Lines{"AT+CMGR=1", "AT+CMGD=1"}));
+  EXPECT_EQ(phone->storageUsed(Store::Sim), 1);
+  const Lines rest{"3 1 +46701234567 010203040516 Hej", "end 0"};
+  EXPECT_EQ(listed(Store::Sim), rest);
+  rig.time.run(400);
+  rig.work();
+  EXPECT_EQ(rig.modem->heard, (Lines{"AT+CMGR=1", "AT+CMGD=1", "AT+CMGL=4"}));
+  EXPECT_EQ(listed(Store::Sim), rest);
+}
+
+TEST_F(ModemPhoneTest, PhoneThatOnlySaysThatItDeletes_IsAskedOnceMoreAndTheMessageIsNotShownAgain) {
+  begin("like plain");
+  listed(Store::Sim);
+  EXPECT_EQ(removed(Store::Sim, 1), "0");
+  for (int i = 0; i < 3; ++i) {
+    rig.time.run(1000);
+    rig.work();
+  }
+  EXPECT_EQ(rig.modem->heard, (Lines{"AT+CMGR=1", "AT+CMGD=1", "AT+CMGL=4", "AT+CMGR=1", "AT+CMGD=1"}));
+  EXPECT_EQ(listed(Store::Sim), (Lines{"3 1 +46701234567 010203040516 Hej", "end 0"}));
+}
+
+TEST_F(ModemPhoneTest, DeletingWhereNothingIs_IsAnsweredWithoutTheLine) {
+  begin("like plain");
+  EXPECT_EQ(removed(Store::Sim, 2), hex(emptySlot));
+  EXPECT_EQ(rig.modem->heard, Lines());
+}
+
+TEST_F(ModemPhoneTest, PartThatStillWaitsForOthers_IsNeitherListedNorDeleted) {
+  const std::string first = partsOf(std::u16string(200, u'x'))[0];
+  begin("like plain\n" + listingOf("SM", {{8, first}}) + readingOf("SM", 8, first));
+  EXPECT_EQ(listed(Store::Sim), Lines{"end 0"});
+  EXPECT_EQ(phone->storageUsed(Store::Sim), 1);
+  EXPECT_EQ(removed(Store::Sim, 8), hex(emptySlot));
+  EXPECT_EQ(rig.modem->heard, Lines());
+  // After ten minutes it is handed over as it stands.
+  rig.clock.pass(std::chrono::minutes(10));
+  EXPECT_EQ(listed(Store::Sim, 0).size(), 2u);
+  EXPECT_EQ(removed(Store::Sim, 8), "0");
+}
+
+TEST_F(ModemPhoneTest, DeletingThatThePhoneRefuses_FailsAndTheMessageStays) {
+  begin("like plain\non AT+CMGD=*\n  say +CMS ERROR: 313");
+  listed(Store::Sim);
+  EXPECT_EQ(removed(Store::Sim, 1), "88881139");
+  EXPECT_EQ(listed(Store::Sim).size(), 3u);
+}
+
+TEST_F(ModemPhoneTest, LongMessageInBothMemories_IsOneMessageAndGoesAsOne) {
+  const Lines parts = partsOf(std::u16string(200, u'x'));
+  ASSERT_EQ(parts.size(), 2u);
+  const std::string &first = parts[0], &second = parts[1];
+  begin("like plain\n" + listingOf("ME", {{2, second}}) + listingOf("SM", {{8, first}}) + readingOf("ME", 2, second) +
+        readingOf("SM", 8, first));
+  EXPECT_EQ(listed(Store::Phone, 0), Lines{"end 0"});
+  EXPECT_EQ(listed(Store::Sim, 0), (Lines{"8 0 +46701234567 010203040506 " + std::string(200, 'x'), "end 0"}));
+  EXPECT_EQ(removed(Store::Sim, 8), "0");
+  EXPECT_EQ(heardOf("AT+CMGD"), (Lines{"AT+CMGD=2", "AT+CMGD=8"}));
+  EXPECT_EQ(phone->storageUsed(Store::Phone), 0);
+}
+
+TEST_F(ModemPhoneTest, ModemThatAnnouncesNothing_IsLookedAtWhenSomebodyAsks) {
+  begin("like plain\non AT+CNMI=*\n  say ERROR");
+  listed(Store::Sim, 0);
+  rig.time.run(400);
+  rig.work();
+  EXPECT_EQ(rig.modem->heard, Lines());
+  rig.clock.pass(Milliseconds(60000));
+  listed(Store::Sim, 0);
+  rig.time.run(400);
+  rig.work();
+  EXPECT_EQ(heardOf("AT+CMGL").size(), 1u);
+}
+
+TEST_F(ModemPhoneTest, Sending_AnswersWhenTheNetworkDoes) {
+  begin("like plain");
+  const auto handed = hand(u"hellohello");
+  rig.time.runDue();
+  EXPECT_EQ(handed->result, "");
+  rig.work();
+  EXPECT_EQ(handed->result, "0");
+  EXPECT_EQ(heardOf("message"), Lines{"message 0001000B916407214365F700000AE8329BFD4697D9EC37"});
+  // The same once more is another message.
+  EXPECT_EQ(sent(u"hellohello"), "0");
+  EXPECT_EQ(heardOf("message").size(), 2u);
+}
+
+TEST_F(ModemPhoneTest, WhatCannotBeSent_FailsWithoutTheLine) {
+  begin("like plain");
+  const auto handed = hand(u"x", u"Anna");
+  rig.time.runDue();
+  EXPECT_EQ(handed->result, "888800CA");
+  EXPECT_EQ(rig.letters.size(), 0u);
+}
+
+TEST_F(ModemPhoneTest, SameMessageWhileTheFirstIsOpen_WaitsForItsResult) {
+  begin("like plain");
+  const auto first = hand(u"hellohello");
+  const auto second = hand(u"hellohello");
+  const auto other = hand(u"Hej");
+  rig.work();
+  EXPECT_EQ(first->result, "0");
+  EXPECT_EQ(second->result, "0");
+  EXPECT_EQ(other->result, "0");
+  EXPECT_EQ(heardOf("message").size(), 2u);
+}
+
+TEST_F(ModemPhoneTest, AnswerAfterTheAskersPatience_IsKeptForItsNextRequest) {
+  begin("like plain\non message *\n  pause 40000\n  say +CMGS: 7\n  say OK");
+  EXPECT_EQ(sent(u"hellohello"), "");
+  EXPECT_EQ(sent(u"hellohello"), "0");
+  EXPECT_EQ(heardOf("message").size(), 1u);
+  // And now it is a new message.
+  EXPECT_EQ(sent(u"hellohello"), "");
+  EXPECT_EQ(heardOf("message").size(), 2u);
+}
+
+TEST_F(ModemPhoneTest, LongerText_IsWaitedForLonger) {
+  begin("like plain\non message *\n  pause 40000\n  say +CMGS: 7\n  say OK");
+  EXPECT_EQ(sent(String(160, u'x')), "0");
+}
+
+TEST_F(ModemPhoneTest, UnknownOutcome_IsReportedAndNotRepeatedUntilTheAskerHasGivenUp) {
+  begin("like plain\non message *\n  lose\n");
+  EXPECT_EQ(sent(u"hellohello"), "888800D2");
+  EXPECT_FALSE(rig.step());
+  EXPECT_EQ(told, (std::vector{true, false}));
+
+  begin("like plain");
+  EXPECT_EQ(told, (std::vector{true, false, true}));
+  EXPECT_EQ(sent(u"hellohello"), "888800D2");
+  EXPECT_EQ(sent(u"hellohello"), "888800D2");
+  EXPECT_EQ(heardOf("message"), Lines());
+  // Three failures: there has been a report, and this is somebody who wants it sent again.
+  EXPECT_EQ(sent(u"hellohello"), "0");
+  EXPECT_EQ(heardOf("message").size(), 1u);
+}
+
+TEST_F(ModemPhoneTest, RefusedMessage_IsSentWhenItIsAskedForAgain) {
+  begin("like plain\non message *\n  say +CMS ERROR: 38\non message *\n  say +CMGS: 7\n  say OK");
+  EXPECT_EQ(sent(u"hellohello"), "88881026");
+  EXPECT_EQ(sent(u"hellohello"), "0");
+  EXPECT_EQ(heardOf("message").size(), 2u);
+}
+
+TEST_F(ModemPhoneTest, LongMessageRefusedInTheMiddle_GoesOnThere) {
+  begin("like busy-network");
+  EXPECT_EQ(sent(String(400, u'x')), "88881026");
+  EXPECT_EQ(sent(String(400, u'x')), "0");
+  const Lines parts = heardOf("message");
+  ASSERT_EQ(parts.size(), 5u);
+  EXPECT_EQ(parts[4], parts[3]);
+}
+
+TEST_F(ModemPhoneTest, PulledOutBeforeAMessageWasHandedIn_SendsItWhenItIsBack) {
+  begin("like plain");
+  const auto handed = hand(u"hellohello");
+  rig.unplug();
+  EXPECT_FALSE(rig.step());
+  EXPECT_EQ(handed->result, "");
+  EXPECT_FALSE(phone->isConnected());
+  EXPECT_FALSE(rig.hasLine);
+
+  begin("like plain");
+  rig.work();
+  EXPECT_EQ(heardOf("message"), Lines());
+  EXPECT_EQ(sent(u"hellohello"), "0");
+  EXPECT_EQ(heardOf("message").size(), 1u);
+  EXPECT_EQ(handed->result, "");
+}
+
+TEST_F(ModemPhoneTest, WhatWasAskedOfAModemThatIsGone_IsNotDoneByTheNext) {
+  begin("like plain");
+  rig.unplug();
+  rig.worker->step();  // the phone's thread has not heard of it yet
+  const auto handed = hand(u"hellohello");
+  rig.plug("like plain");
+  rig.worker->step();
+  rig.step();
+  EXPECT_EQ(told, (std::vector{true, false, true}));
+  rig.work();
+  EXPECT_EQ(heardOf("message"), Lines());
+  EXPECT_EQ(handed->result, "");
+}
+
+TEST_F(ModemPhoneTest, MessagesOfAPhoneThatCameBack_AreNotUnreadAgain) {
+  begin("like plain");
+  listed(Store::Sim);
+  rig.unplug();
+  rig.step();
+  begin("like plain");
+  EXPECT_EQ(listed(Store::Sim, 0), Lines{"end 0"});
+  EXPECT_EQ(listed(Store::Sim).size(), 3u);
+}
+
+TEST_F(ModemPhoneTest, IdleModem_IsCheckedEachMinute) {
+  begin("like plain");
+  rig.step();
+  EXPECT_EQ(rig.modem->heard, Lines());
+  rig.step();
+  EXPECT_EQ(rig.modem->heard, Lines{"AT+CMEE?"});
+}
+
+TEST_F(ModemPhoneTest, SimThatIsUnlockedLater_MakesAnotherPhoneOfIt) {
+  begin(
+      "like plain\non AT+CPIN?\n  say +CPIN: SIM PIN\n  say OK\non AT+CPMS=?\n  say +CMS ERROR: 311\non AT+CPMS=?\n  "
+      "say "
+      "+CPMS: (\"ME\",\"SM\"),(\"ME\",\"SM\"),(\"ME\",\"SM\")\n  say OK\non AT+CPMS=\"ME\"*\n  say +CMS ERROR: 311\n"
+      "on AT+CPMS=\"SM\",\"SM\",\"SM\"\n  say +CMS ERROR: 311\non AT+CPMS=\"SM\",\"SM\",\"SM\"\n  say +CPMS: "
+      "2,20,2,20,2,20\n  say OK\non AT+CPMS=\"SM\"*\n  say +CMS ERROR: 311\n");
+  EXPECT_TRUE(phone->isConnected());
+  EXPECT_FALSE(phone->isStorageSupported(Store::Sim));
+  rig.step();
+  EXPECT_FALSE(rig.step());
+  EXPECT_TRUE(rig.step());
+  EXPECT_EQ(told, (std::vector{true, false, true}));
+  EXPECT_EQ(listed(Store::Sim).size(), 3u);
+}
+
+TEST_F(ModemPhoneTest, NothingPluggedIn_IsTriedAgain) {
+  phone = platform::make<ModemPhone>(rig.time, rig.clock, std::make_unique<RigWire>(rig), std::uint8_t{7});
+  EXPECT_FALSE(rig.step());
+  EXPECT_FALSE(rig.step());
+  rig.plug("like plain");
+  EXPECT_TRUE(rig.step());
+  EXPECT_TRUE(phone->isConnected());
+}
+
+TEST_F(ModemPhoneTest, ReleasedWithEverythingUnderWay_LeavesNothing) {
+  begin("like plain");
+  listed(Store::Sim);
+  const auto handed = hand(u"hellohello");
+  const auto request = phone->remove(Store::Sim, 1, [](std::int32_t) { ADD_FAILURE(); });
+  watching = nullptr;
+  phone = nullptr;
+  EXPECT_EQ(rig.time.pendingWork(), 0u);
+}
+
+}  // namespace
