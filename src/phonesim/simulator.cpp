@@ -72,6 +72,8 @@ void Simulator::run() {
   save();
   loop_.post([this] { pump(); });
   loop_.run();
+  handset_.changed();
+  save();
 }
 
 void Simulator::openLines() {

@@ -78,7 +78,8 @@ phone::Address senderIn(const std::u16string& word) {
 
 Octets pduIn(const std::u16string& word) {
   auto pdu = phone::fromHex(toUtf8(word));
-  if (!pdu || !phone::tpduLength(*pdu)) throw ConsoleError(inQuotes(word) + " is no PDU in hexadecimal");
+  if (!pdu || pdu->size() > longestPdu || !phone::tpduLength(*pdu))
+    throw ConsoleError(inQuotes(word) + " is no PDU in hexadecimal");
   return *pdu;
 }
 

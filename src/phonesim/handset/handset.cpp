@@ -133,8 +133,8 @@ Handset::SendResult Handset::send(const Octets& pdu, const phone::Message& messa
   if (!message.serviceCentre && state_.centre.empty()) return {.error = cms::centreAddressUnknown};
   if (!isRegistered()) return {.error = cms::noNetworkService};
   if (const auto error = failureOf(Operation::Send)) return {.error = *error};
+  // Not worth writing the whole memory anew for: the next change takes it along.
   ++state_.reference;
-  changed();
   const phone::Deliver deliver{
       .serviceCentre = message.serviceCentre ? message.serviceCentre : addressOf(state_.centre),
       .originator = addressOf(identity_.number),

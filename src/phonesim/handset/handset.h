@@ -124,6 +124,7 @@ class Handset {
 
   // What a host says of the last message that it got directly (+CNMA). False when none is open.
   bool acknowledge(bool kept);
+  bool awaitsAcknowledgement(const Port& port) const { return acknowledges_ == &port; }
   phone::TimeStamp time() const { return network_.time(); }
 
   // ---- the SIM ----

@@ -15,6 +15,8 @@ constexpr std::size_t longestData = 1000;  // a PDU has at most 352 digits
 constexpr std::size_t mostInput = 65536;
 constexpr std::size_t mostWithheld = 50;
 
+constexpr Time acknowledgementTime{15000};
+
 constexpr char carriageReturn = '\r', lineFeed = '\n', backspace = '\b', rubout = '\x7F', escape = '\x1B',
                done = '\x1A';
 
@@ -42,6 +44,7 @@ void Port::receive(std::string_view octets, Time now) {
 
 std::string Port::take(Time now) {
   now_ = now;
+  expireAcknowledgement();
   std::string due;
   while (true) {
     work();
@@ -53,8 +56,8 @@ std::string Port::take(Time now) {
 }
 
 std::optional<Time> Port::nextOutput() const {
-  if (output_.empty()) return std::nullopt;
-  return output_.front().due;
+  if (output_.empty()) return acknowledgeBy_;
+  return std::min(output_.front().due, acknowledgeBy_.value_or(Time::max()));
 }
 
 void Port::restart() {
@@ -233,7 +236,21 @@ bool Port::takesDirectly(std::optional<int> messageClass) const {
   return routing.messages == 2 ? messageClass != 2 : routing.messages == 3 && messageClass == 3;
 }
 
-void Port::announceMessage(const Octets& pdu) { announceRouted(withPdu("+CMT: ,", pdu)); }
+void Port::announceMessage(const Octets& pdu) {
+  if (settings.smsService == 1) acknowledgeBy_ = now_ + acknowledgementTime;
+  announceRouted(withPdu("+CMT: ,", pdu));
+}
+
+// A host that asked for messages and does not acknowledge them gets no more of them (3GPP TS 27.005, 3.4.4).
+void Port::expireAcknowledgement() {
+  if (!acknowledgeBy_ || (handset_.awaitsAcknowledgement(*this) && now_ < *acknowledgeBy_)) return;
+  acknowledgeBy_.reset();
+  if (!handset_.awaitsAcknowledgement(*this)) return;
+  settings.routing.messages = 0;
+  settings.routing.reports = 0;
+  handset_.acknowledge(false);
+  handset_.deliverWaiting();
+}
 
 void Port::announceReport(const Octets& pdu) {
   if (settings.routing.reports == 1) announceRouted(withPdu("+CDS: ", pdu));

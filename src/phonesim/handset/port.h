@@ -115,6 +115,7 @@ class Port {
 
   bool isBusy() const { return !output_.empty() && output_.back().due > now_; }
   void work();
+  void expireAcknowledgement();
   void typeCommand(char c);
   void typeData(char c);
   void execute(std::string line);
@@ -139,7 +140,8 @@ class Port {
   std::string data_;
   std::deque<Piece> output_;
   std::deque<std::string> announcements_;
-  std::deque<std::string> withheld_;  // for as long as +CNMI says mode 0
+  std::optional<Time> acknowledgeBy_;  // the last message that was handed over
+  std::deque<std::string> withheld_;   // for as long as +CNMI says mode 0
 };
 
 }  // namespace phonesim

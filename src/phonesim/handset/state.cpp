@@ -10,7 +10,6 @@ namespace phonesim {
 namespace {
 
 constexpr std::string_view firstLine = "phonesim-memory 1";
-constexpr std::size_t longestPdu = 256;
 constexpr std::size_t mostQueued = 10000;
 
 template <class N>
@@ -71,8 +70,7 @@ bool readQueued(State& state, std::string_view word, std::string_view rest) {
   if (word == "travelling") {
     message.number = takeWord(rest);
     message.mark = takeWord(rest);
-    if (message.number.empty() || message.mark.empty() || !isPlainWord(message.number) || !isPlainWord(message.mark))
-      return false;
+    if (message.number.empty() || !isPlainWord(message.number) || !isMark(message.mark)) return false;
   }
   auto pdu = pduIn(rest);
   if (!pdu || state.waiting.size() + state.travelling.size() >= mostQueued) return false;
@@ -91,7 +89,7 @@ bool readLine(State& state, std::string_view line) {
   if (word == "message") return readMessage(state, line);
   if (word == "waiting" || word == "travelling") return readQueued(state, word, line);
   if (word == "taken") {
-    if (line.empty() || !isPlainWord(line) || state.taken.size() >= State::mostTaken) return false;
+    if (!isMark(line) || state.taken.size() >= State::mostTaken) return false;
     state.taken.emplace_back(line);
     return true;
   }
@@ -109,6 +107,8 @@ bool readLine(State& state, std::string_view line) {
 }
 
 }  // namespace
+
+bool isMark(std::string_view text) { return !text.empty() && isPlainWord(text); }
 
 std::string toText(const State& state) {
   std::string text(firstLine);

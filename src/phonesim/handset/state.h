@@ -26,6 +26,9 @@
 
 namespace phonesim {
 
+// Service centre and TPDU, generously: a longer one comes from nowhere.
+inline constexpr std::size_t longestPdu = 256;
+
 struct Travelling {
   std::string number;
   std::string mark;
@@ -52,6 +55,9 @@ struct ReadState {
   State state;
   int passedOver = 0;  // lines that made no sense, or messages without a place
 };
+
+// Whether a mark can stand in the file.
+bool isMark(std::string_view text);
 
 // What can be read of it; everything else stays as `defaults` has it.
 ReadState fromText(std::string_view text, State defaults);

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "phone/pdu/decode.h"
 #include "phone/pdu/hex.h"
 
 namespace phonesim {
@@ -105,11 +106,12 @@ void Exchange::answerCall(std::shared_ptr<Stream> stream) {
     const auto blank = line.find(' ', word.size());
     auto pdu = line.starts_with(word) && blank != line.npos ? phone::fromHex(std::string_view(line).substr(blank + 1))
                                                             : std::nullopt;
-    if (!pdu) {
+    const std::string mark = line.substr(0, blank).substr(std::min(word.size(), line.size()));
+    if (!pdu || !isMark(mark) || pdu->size() > longestPdu || !phone::tpduLength(*pdu)) {
       stream->write("error\n");
       return;
     }
-    onMessage_(line.substr(word.size(), blank - word.size()), std::move(*pdu));
+    onMessage_(mark, std::move(*pdu));
     stream->write("ok\n");
   });
   stream->onOctets = [splitter](std::string_view octets) { splitter->receive(octets); };

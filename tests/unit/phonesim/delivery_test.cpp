@@ -108,6 +108,23 @@ TEST_F(DeliveryTest, RefusedByTheHost_ItWaitsForTheNextOccasion) {
   EXPECT_EQ(handset.state().waiting.size(), 0u);
 }
 
+TEST_F(DeliveryTest, NotAcknowledgedInTime_IsStoredAndNoneComesDirectlyAnyMore) {
+  ask("AT+CSMS=1;+CNMI=2,2,0,1");
+  deliver();
+  EXPECT_EQ(lines(heard()), "+CMT: ,28\r\n" + std::string(deliverPdu) + "|");
+  EXPECT_EQ(deliver(), Handset::Arrival::Waiting);
+  EXPECT_EQ(port.nextOutput(), now + Time{15000});
+  now += Time{14999};
+  EXPECT_EQ(heard(), "");
+  EXPECT_EQ(handset.memories().used(View::Sim), 0);
+  now += Time{1};
+  EXPECT_EQ(heard(), "");
+  EXPECT_EQ(handset.memories().used(View::Sim), 2);
+  EXPECT_EQ(port.nextOutput(), std::nullopt);
+  EXPECT_EQ(ask("AT+CNMI?"), "+CNMI: 2,0,0,0,0|OK|");
+  EXPECT_EQ(ask("AT+CNMA"), "+CMS ERROR: 340|");
+}
+
 TEST_F(DeliveryTest, HostThatGoesWithoutAcknowledging_LeavesTheMessageForTheMemory) {
   {
     Port other(handset);
