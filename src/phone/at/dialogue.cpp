@@ -15,6 +15,7 @@ constexpr Milliseconds writeLimit{10000};
 constexpr Milliseconds attentionLimit{3000};
 constexpr int attentionAttempts = 3;
 constexpr Milliseconds promptLimit{10000};
+constexpr Milliseconds resultLimit{5000};
 constexpr Milliseconds lateQuiet{300};   // after a command without an answer
 constexpr Milliseconds strayQuiet{100};  // after an error: the stray "OK" comes at once if it comes
 constexpr Milliseconds longestDrain{2000};
@@ -164,6 +165,8 @@ bool Dialogue::sortInformation(const std::string& line, Running& running) {
   running.answer.information.push_back({std::string(*text), std::nullopt});
   running.awaitsData = command.hasData;
   if (command.hasData) running.deadline = in(command.limit);
+  // The network has answered; only the modem's own OK is missing.
+  if (!running.data.empty()) running.deadline = std::min(running.deadline, in(resultLimit));
   return true;
 }
 

@@ -374,6 +374,14 @@ TEST_F(AtDialogue, PauseBeforeTheMessage_IsKept) {
   EXPECT_EQ(timeOf([&] { dialogue_->runWithData(sending(), "0001"); }), Milliseconds(3100));
 }
 
+TEST_F(AtDialogue, NetworksAnswerWithoutTheModemsOk_IsNotWaitedForAsLongAsTheNetwork) {
+  modem("echo off\non AT+CMGS=3\n  prompt <CR><LF>><SP>\non message *\n  pause 3000\n  say +CMGS: 7");
+  DataAnswer answer;
+  EXPECT_EQ(timeOf([&] { answer = dialogue_->runWithData(sending(), "0001"); }), Milliseconds(3000 + 5000 + 300 + 300));
+  EXPECT_FALSE(answer.result);
+  EXPECT_EQ(answer.information, (Infos{{"7", {}}}));
+}
+
 TEST_F(AtDialogue, ResetInACommand_EndsItSoonAndIsTold) {
   modem(R"(
 echo off

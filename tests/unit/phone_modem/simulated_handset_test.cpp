@@ -157,6 +157,14 @@ class WithFaults : public SimulatedHandset, public testing::WithParamInterface<u
     }
   }
 
+  // Nobody waits for minutes, or goes on with a modem whose every line is damaged.
+  void findAgain() {
+    handset.faults() = {};
+    line.pass(Milliseconds(200000));
+    modem.emplace(line, line);
+    modem->connect();
+  }
+
   std::mt19937 chance{GetParam()};
 };
 
@@ -171,14 +179,10 @@ TEST_P(WithFaults, NothingIsLostDoubledOrMadeUp) {
       else
         sendSomehow();
     } catch (const PhoneGone&) {
-      // Nobody waits for minutes, or goes on with a modem whose every line is damaged. It is found again.
-      handset.faults() = {};
-      line.pass(Milliseconds(200000));
-      modem.emplace(line, line);
-      modem->connect();
+      findAgain();
     }
   }
-  handset.faults() = {};
+  findAgain();
   EXPECT_EQ(modem->list(Memory::Sim).messages, stored());
 }
 
