@@ -48,8 +48,7 @@ void Tour::askForHelp() {
 
 void Tour::openOptions() {
   step("Tools > Options");
-  openMenu(L'T', {}, 0);
-  screen::press('O');
+  choose(L'T', 2);
   const HWND dialog = screen::await(process(), L"#32770", L"Options");
   if (!check(dialog && toFront(dialog, "the dialog"), "the dialog opens")) return;
   check(SendMessageW(screen::child(dialog, WC_TABCONTROLW), TCM_GETITEMCOUNT, 0, 0) == 1,

@@ -27,6 +27,19 @@ bool bringsData(std::string_view line) { return after("+CMT", line) || after("+C
 // Said after switching on. The first two are never said otherwise; the others may be said once more while the modem
 // finds its network, which costs no more than setting everything again.
 bool saysReset(std::string_view line) { return sameWord(line, "RDY") || after("+CFUN", line) == "1"; }
+// What modems say of themselves has a name and a colon; the rest is known.
+bool isStrange(std::string_view line) {
+  static constexpr std::array<std::string_view, 8> words{"RING",        "NO CARRIER", "NO ANSWER",  "BUSY",
+                                                         "NO DIALTONE", "RDY",        "Call Ready", "SMS Ready"};
+  if (line.size() > 1 && (line.front() == '+' || line.front() == '^' || line.front() == '*')) {
+    std::size_t end = 1;
+    while (end < line.size() && (isLetter(line[end]) || isDigit(line[end]) || line[end] == '_')) ++end;
+    const std::string_view rest = trimmed(line.substr(end));
+    return end == 1 || ((rest.empty() || rest.front() != ':') && !sameWord(line, "+SMS FULL"));
+  }
+  return std::none_of(words.begin(), words.end(), [line](std::string_view word) { return sameWord(line, word); });
+}
+
 bool saysReady(std::string_view line) { return sameWord(line, "Call Ready") || sameWord(line, "SMS Ready"); }
 
 // "V0" results, which a modem gives until it is told ATV1.
@@ -161,8 +174,13 @@ void Dialogue::sortUnsolicited(const std::string& line, Running* running) {
   if (saysReset(line) && running) {
     // Nobody remembers the command. Only its answer may have been on the way.
     note("the modem began anew");
+    running->reset = true;
     running->deadline = std::min(running->deadline, in(afterReset));
   }
+  if (running && allHex(line))
+    ++running->answer.messagesWithoutHeader;
+  else if (running && isStrange(line))
+    ++running->answer.strangeLines;
   // The answer of a command that was given up.
   if (late_)
     if (const auto text = after(late_->command.prefix, line); text && !late_->command.prefix.empty())
@@ -197,9 +215,10 @@ void Dialogue::waitFor(Running& running) {
 void Dialogue::settle() {
   requireThere();
   drain(Milliseconds(0));
-  if (stray_) {
+  if (std::exchange(stray_, false)) {
     drain(strayQuiet);
-    if (!attention(strayQuiet)) recover(Stuck::No);
+    // Where one came, another may.
+    if (!attention(stray_ ? strayQuiet : Milliseconds(0))) recover(Stuck::No);
     stray_ = false;
   }
 }
@@ -227,7 +246,8 @@ DataAnswer Dialogue::runWithData(const Command& command, std::string_view data) 
   beginCommand(running);
   running.deadline = in(promptLimit);
   waitFor(running);
-  if (!running.prompted) {
+  // A modem that began anew meanwhile may have taken the length for a telephone number, in text mode.
+  if (!running.prompted || running.reset) {
     finish(running, Stuck::BeforeData);
     return answer;
   }

@@ -45,7 +45,12 @@ struct Information {
 struct Answer {
   std::optional<Result> result;  // none: the modem did not say, within the limit, how it ended
   std::vector<Information> information;
+  // Lines that came meanwhile and that nobody says: rests of lines that were damaged on their way. Of a message whose
+  // header is missing there is no doubt; other lines may be something that a maker thought of.
+  int messagesWithoutHeader = 0;
+  int strangeLines = 0;
 
+  bool damaged() const noexcept { return messagesWithoutHeader + strangeLines > 0; }
   bool ok() const noexcept { return result && result->ok(); }
 };
 
@@ -96,6 +101,7 @@ class Dialogue {
     bool awaitsPrompt = false;
     bool prompted = false;
     bool awaitsData = false;
+    bool reset = false;
     Instant deadline{};
   };
   enum class Stuck : std::uint8_t { No, BeforeData, AfterData };

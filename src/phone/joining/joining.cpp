@@ -119,6 +119,11 @@ class Joining::State {
     return slots;
   }
 
+  std::string pdu(Slot slot) const {
+    const auto found = parts_.find(slot);
+    return found == parts_.end() || found->second.confirmedGone ? std::string() : found->second.pdu;
+  }
+
   void deleted(Slot slot) {
     Group* group = groupWith(slot);
     if (group == nullptr || !mayBeDeleted(*group, slot)) return;
@@ -240,6 +245,7 @@ std::vector<JoinedMessage> Joining::messages(Instant now) const { return state_-
 std::optional<Joining::Instant> Joining::nextDue(Instant now) const { return state_->nextDue(now); }
 void Joining::handedOver(const JoinedMessage& message) { state_->handedOver(message); }
 std::vector<Slot> Joining::slotsToDelete(Slot slot) const { return state_->slotsToDelete(slot); }
+std::string Joining::pdu(Slot slot) const { return state_->pdu(slot); }
 void Joining::deleted(Slot slot) { state_->deleted(slot); }
 std::vector<Slot> Joining::leftovers(Instant now) const { return state_->leftovers(now); }
 

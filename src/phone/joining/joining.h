@@ -72,9 +72,12 @@ class Joining {
 
   // The slots to delete, in this order, when the message with that slot is to go; of a deletion that was begun, those
   // that are left. Empty when there is no message, when it is a long one that was not handed over, or when another
-  // message was handed over from that slot and is gone. To be asked right after an update: a slot that was emptied
-  // meanwhile may hold something else by now.
+  // message was handed over from that slot and is gone.
   std::vector<Slot> slotsToDelete(Slot slot) const;
+
+  // What is known to lie in that slot, in hexadecimal; empty when nothing does. To be compared before it is deleted:
+  // the slot may have been used again since the update.
+  std::string pdu(Slot slot) const;
 
   // The phone has confirmed that this slot is deleted. From then on the message's other slots are leftovers.
   void deleted(Slot slot);

@@ -85,7 +85,10 @@ Listing Modem::list(Memory which) {
 // Messages that did not come whole are doubtful. It is complete when there cannot be more than those seen. What was
 // unread when it was first seen stays so, though having been listed it is read from then on.
 void Modem::Contents::take(const Answer& answer) {
-  bool readable = true;
+  const std::size_t known = whole.size() + doubtful.size();
+  // Lines that nobody knows may be all that is left of an entry; if they come again and nothing else is new, they are
+  // just something that this modem says.
+  bool readable = answer.messagesWithoutHeader == 0;
   for (const at::Information& information : answer.information) {
     auto entry = entryOfListing(information);
     if (!entry) {
@@ -104,7 +107,8 @@ void Modem::Contents::take(const Answer& answer) {
     whole.emplace(index, std::move(entry->message));
   }
   const bool empty = answer.result && saysEmpty(*answer.result) && answer.information.empty();
-  complete = readable && (answer.ok() || empty);
+  const bool nothingNew = ++listings > 1 && whole.size() + doubtful.size() == known;
+  complete = readable && (answer.ok() || empty) && (answer.strangeLines == 0 || nothingNew);
 }
 
 // Some modems begin with slot 0, most with 1.

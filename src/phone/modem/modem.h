@@ -108,6 +108,7 @@ class Modem {
     std::map<int, StoredPdu> whole;
     std::map<int, StoredPdu> doubtful;  // as far as known
     bool complete = false;
+    int listings = 0;
 
     void take(const at::Answer& answer);
     void doubtUnseen(int mostIndex);

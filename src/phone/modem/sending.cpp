@@ -94,6 +94,8 @@ Outcome Modem::handIn(const EncodedPdu& part, int& reference) {
     return {};
   }
   if (!answer.dataSent) return outcomeOf(answer.result);
+  // An OK behind a line that was damaged: there was nothing else that it could have said.
+  if (answer.ok() && answer.damaged()) return {};
   if (!answer.result || answer.result->ok()) return {Outcome::Kind::Unknown};
   return outcomeOf(answer.result);
 }

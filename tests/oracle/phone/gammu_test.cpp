@@ -134,6 +134,29 @@ TEST_F(GammuTest, ReadsOurSubmits) {
   EXPECT_GT(parts, 4000);
 }
 
+TEST_F(GammuTest, ReadsNamesAsSenders_AndWideReferences) {
+  constexpr std::u16string_view letters = u"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789 ";
+  for (int round = 0; round < 1000; ++round) {
+    std::u16string name(1, letters[generator.below(52)]);
+    while (name.size() < 11 && generator.below(8) != 0) name += letters[generator.below(62)];
+    const Concatenation part{.reference = static_cast<std::uint16_t>(generator.below(0x10000)),
+                             .wide = true,
+                             .total = 3,
+                             .part = static_cast<std::uint8_t>(1 + generator.below(3))};
+    const std::u16string text = generator.text(sevenBitLetters, 76);
+    const Deliver deliver{.originator = {.type = NumberType::Alphanumeric, .plan = 0, .value = name},
+                          .timeStamp = generator.timeStamp(),
+                          .data = writeUserData({.elements = {elementOf(part)}}, text, Alphabet::Gsm7)};
+    const Octets pdu = encodeDeliver(deliver).octets;
+    ASSERT_NO_FATAL_FAILURE(read(pdu));
+    ASSERT_EQ(fromGammu(sms->Number), name) << toHex(pdu);
+    ASSERT_EQ(fromGammu(sms->Text), text) << toHex(pdu);
+    ASSERT_EQ(sms->UDH.ID16bit, part.reference) << toHex(pdu);
+    ASSERT_EQ(sms->UDH.PartNumber, part.part);
+    ASSERT_EQ(sms->UDH.AllParts, 3);
+  }
+}
+
 TEST_F(GammuTest, CountsAsManyMessages) {
   std::vector<unsigned char> text(2 * 2002);
   for (int round = 0; round < 3000; ++round) {

@@ -130,6 +130,15 @@ TEST_F(HandOverTest, DeletionThatFailsAtOnce_LeavesTheMessage) {
   EXPECT_EQ(joining.slotsToDelete(me(1)).size(), 2U);
 }
 
+TEST_F(HandOverTest, ContentsOfASlot_AreKnownUntilItIsDeleted) {
+  put(me(1), "0791");
+  list();
+  EXPECT_EQ(joining.pdu(me(1)), "0791");
+  EXPECT_EQ(joining.pdu(sim(1)), "");
+  joining.deleted(me(1));
+  EXPECT_EQ(joining.pdu(me(1)), "");
+}
+
 TEST_F(HandOverTest, MessageThatComesBackAfterItsDeletion_IsNotShownAgain) {
   put(me(1), {.text = u"short"});
   list();

@@ -188,6 +188,17 @@ TEST_F(ModemTest, ListingHalfAnswered_IsAskedAgainAndKeepsWhatWasUnread) {
   EXPECT_EQ(script_->heardOf("AT+CMGR"), Heard());
 }
 
+TEST_F(ModemTest, LinesThatNobodyKnows_AreListedOnceMore) {
+  for (const auto& [name, listings, readings] : {std::tuple("garbled-listing", 2u, 0u), std::tuple("talkative", 2u, 0u),
+                                                 std::tuple("plain", 1u, 0u), std::tuple("garbled-header", 2u, 20u)}) {
+    SCOPED_TRACE(name);
+    connect(name);
+    EXPECT_EQ(listed(Memory::Sim), bothMessages);
+    EXPECT_EQ(script_->heardOf("AT+CMGL").size(), listings);
+    EXPECT_EQ(script_->heardOf("AT+CMGR").size(), readings);
+  }
+}
+
 TEST_F(ModemTest, LateAnswer_IsNotTakenForTheNextListings) {
   connect("late-answer");
   EXPECT_EQ(listed(Memory::Sim),
@@ -327,6 +338,23 @@ TEST_F(ModemTest, ModemThatBeginsAnewInASend_LeavesItUnknownAndWorksAgain) {
   EXPECT_EQ(send(u"hellohello"), Outcome());
   EXPECT_EQ(sending_.references, std::vector<int>{8});
   expectWorking();
+}
+
+TEST_F(ModemTest, ModemThatBeginsAnewBeforeAMessage_IsNotGivenIt) {
+  connect("reset-before-prompt");
+  EXPECT_EQ(send(u"hellohello"), Outcome{Kind::NoAnswer});
+  EXPECT_EQ(script_->heardOf("message"), Heard());
+  EXPECT_EQ(script_->heardOf("escape"), Heard{"escape"});
+  EXPECT_EQ(send(u"hellohello"), Outcome());
+  EXPECT_EQ(script_->heardOf("AT+CMGF").size(), 1u);
+}
+
+TEST_F(ModemTest, AnswerOfTheNetworkThatIsDamaged_CountsWithItsOk) {
+  connect("halved-result");
+  EXPECT_EQ(send(u"hellohello"), Outcome());
+  EXPECT_EQ(sending_.references, std::vector<int>{-1});
+  // Without any sign of it, an OK is not enough.
+  EXPECT_EQ(send(u"hellohello"), Outcome{Kind::Unknown});
 }
 
 TEST_F(ModemTest, PulledOutInASend_LeavesItUnknownAndIsGone) {
