@@ -42,7 +42,7 @@ Result list(const Call& call) {
   if (!filter || call.command.count() > 1) return invalidParameter();
   Handset& handset = call.handset();
   if (const auto error = handset.failureOf(Operation::List)) return Result::cms(*error);
-  const View view = call.settings().listing;
+  const View view = call.port.listing();
   for (const Slot slot : handset.memories().occupied(view)) {
     StoredPdu& message = *handset.memories().find(slot);
     if (*filter != allStatuses && *filter != static_cast<int>(message.status)) continue;
@@ -63,7 +63,7 @@ Result read(const Call& call) {
   if (call.command.form == Form::Test) return Result::ok();
   if (call.command.form != Form::Set) return unknownForm();
   if (const auto error = call.handset().failureOf(Operation::Read)) return Result::cms(*error);
-  const auto slot = slotIn(call, call.settings().listing);
+  const auto slot = slotIn(call, call.port.listing());
   if (!slot) return Result::cms(cms::invalidMemoryIndex);
   show(call, "+CMGR: ", *call.handset().memories().find(*slot), Time{0});
   return Result::ok();
@@ -96,7 +96,7 @@ std::string indices(Memories& memories, View view) {
 Result remove(const Call& call) {
   Handset& handset = call.handset();
   Memories& memories = handset.memories();
-  const View view = call.settings().listing;
+  const View view = call.port.listing();
   if (call.command.form == Form::Test) {
     call.answer.line("+CMGD: (" + indices(memories, view) + "),(0-4)");
     return Result::ok();
@@ -184,7 +184,7 @@ Result write(const Call& call) {
     auto typed = readTyped(digits, length);
     if (!typed || !suits(status, typed->message.kind)) return invalidParameter();
     if (const auto error = handset.failureOf(Operation::Write)) return Result::cms(*error);
-    const View view = port.settings.writing;
+    const View view = port.writing();
     const auto slot = handset.memories().add(view, {status, std::move(typed->pdu)});
     if (!slot) return Result::cms(cms::memoryFull);
     handset.changed();
@@ -217,7 +217,7 @@ Result sendStored(const Call& call) {
   if (call.command.form == Form::Test) return Result::ok();
   if (call.command.form != Form::Set) return unknownForm();
   if (call.command.count() > 3) return invalidParameter();
-  const auto slot = slotIn(call, call.settings().writing);
+  const auto slot = slotIn(call, call.port.writing());
   if (!slot) return Result::cms(cms::invalidMemoryIndex);
   Handset& handset = call.handset();
   Octets pdu = handset.memories().find(*slot)->pdu;
@@ -256,7 +256,7 @@ Result format(const Call& call) {
 }
 
 std::array<View, 3> chosen(const Call& call) {
-  return {call.settings().listing, call.settings().writing, call.handset().arrivals()};
+  return {call.port.listing(), call.port.writing(), call.handset().arrivals()};
 }
 
 std::string usedAndTotal(const Memories& memories, View view) {

@@ -64,7 +64,7 @@ std::optional<Handset::Arrival> Handset::arrive(const Octets& pdu) {
     network_.directly(pdu);
     return Arrival::Direct;
   }
-  const View view = messageClass == 2 ? View::Sim : arrivals_;
+  const View view = messageClass == 2 ? state_.memories.nearest(View::Sim) : arrivals();
   const auto slot = state_.memories.add(view, {Status::ReceivedUnread, pdu});
   if (!slot) return std::nullopt;
   for (Port* const port : ports_) port->announceStored(*slot);

@@ -117,7 +117,7 @@ class Handset {
   std::optional<int> failureOf(Operation operation);
 
   void setCentre(std::string centre) { state_.centre = std::move(centre), changed(); }
-  View arrivals() const { return arrivals_; }  // mem3 of +CPMS
+  View arrivals() const { return state_.memories.nearest(arrivals_); }  // mem3 of +CPMS
   void setArrivals(View view) { arrivals_ = view; }
   void setRadio(bool on);
   bool isRadioOn() const { return radioOn_; }

@@ -48,6 +48,17 @@ std::span<const Place> Memories::placesOf(View view) {
   return both;
 }
 
+bool Memories::isThere(View view) const {
+  for (const Place place : placesOf(view))
+    if (at(place).capacity == 0) return false;
+  return true;
+}
+
+View Memories::nearest(View view) const {
+  if (isThere(view)) return view;
+  return isThere(View::Sim) ? View::Sim : View::Phone;
+}
+
 int Memories::capacity(View view) const {
   int sum = 0;
   for (const Place place : placesOf(view)) sum += at(place).capacity;

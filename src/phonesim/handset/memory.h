@@ -63,7 +63,10 @@ class Memories {
   Memory& at(Place place) { return memories_[static_cast<std::size_t>(place)]; }
   const Memory& at(Place place) const { return memories_[static_cast<std::size_t>(place)]; }
 
-  bool isThere(View view) const { return capacity(view) > 0; }
+  // Both as one are there when both are.
+  bool isThere(View view) const;
+  // The memory itself, or what the handset has in its place.
+  View nearest(View view) const;
   int capacity(View view) const;
   int used(View view) const;
 

@@ -33,7 +33,7 @@ struct Settings {
   bool quiet = false;
   ErrorStyle errors = ErrorStyle::Plain;
   CharacterSet characters = CharacterSet::Gsm;
-  View listing = View::Sim;  // mem1 of +CPMS
+  View listing = View::Sim;  // mem1 of +CPMS, as it was asked for
   View writing = View::Sim;  // mem2
   int smsService = 0;        // +CSMS
   int burst = 0;             // +CMMS
@@ -101,6 +101,8 @@ class Port {
   using Continuation = std::function<Result(Answer&, std::string_view typed)>;
   Settings settings;
   Handset& handset() { return handset_; }
+  View listing() const { return handset_.state().memories.nearest(settings.listing); }
+  View writing() const { return handset_.state().memories.nearest(settings.writing); }
   // What is typed after the prompt goes there.
   void awaitData(Continuation continuation) { continuation_ = std::move(continuation); }
   // The state, and the cell when +CREG wants to know.

@@ -165,6 +165,19 @@ TEST_F(HandOverTest, MessageThatIsSentAgainAfterItsDeletion_IsANewOne) {
   for (const JoinedMessage& message : joining.messages(now)) EXPECT_EQ(message.status, Status::ReceivedUnread);
 }
 
+TEST_F(HandOverTest, LongMessageThatIsSentAgain_AfterADeletionInTwoSteps_IsANewOne) {
+  putLong(1);
+  list();
+  handOver(me(1));
+  take(sim(1));
+  joining.deleted(sim(1));
+  list();
+  remove(me(1));
+  putLong(1);
+  list();
+  EXPECT_EQ(texts(), Texts{u"one two"});
+}
+
 TEST_F(HandOverTest, SlotThatIsUsedAgain_HoldsANewMessage) {
   putLong(1);
   list();
@@ -261,6 +274,9 @@ TEST_F(HandOverTest, RepeatedPart_AfterTheHandOver_GoesWithTheMessage) {
   EXPECT_EQ(only().handle, me(1));
   EXPECT_EQ(joining.slotsToDelete(me(1)), (Slots{me(9), sim(1), me(8), me(1)}));
   now += 1h;
+  EXPECT_EQ(texts(), Texts{u"one two"});
+  handOver(me(1));  // once more, as a listing of all messages does
+  list();
   EXPECT_EQ(texts(), Texts{u"one two"});
 }
 

@@ -120,7 +120,7 @@ TEST_F(JoiningTest, RepeatedParts_CountOnceAndProlongNothing) {
 TEST_F(JoiningTest, OneMemoryUnderTwoNames_ShowsEachMessageOnce) {
   const Piece short1{.text = u"short"};
   const Piece long1{.text = u"one ", .part = 1, .total = 2};
-  const Piece long2{.text = u"two", .part = 2, .total = 2, .sent = 60s};
+  const Piece long2{.text = u"two", .part = 2, .total = 2};  // at the same second
   const std::string draft = toHex(encodeSubmit({.destination = *parseNumber(u"123")}, u"draft", 0)[0].octets);
   for (const Memory memory : {Memory::Phone, Memory::Sim}) {
     put({memory, 1}, short1);
@@ -241,6 +241,10 @@ TEST_F(JoiningTest, DataInParts_IsShownAsAWhole) {
   put(me(2), data(2, {0x00, 0x1B}));
   list();
   EXPECT_EQ(only().text, u"[8-bit data: 48 69 00 1B]");
+  take(me(2));
+  list();
+  now += 10min;
+  EXPECT_EQ(only().text, u"Hi[part 2 of 2 is missing]");
 }
 
 TEST_F(JoiningTest, BadTimeStamps_DoNotHinder) {
@@ -311,6 +315,18 @@ TEST_F(JoiningTest, ReusedReference_WithEqualTimeStamps_GoesByArrival) {
   put(me(3), {.text = u"B2", .part = 2, .total = 2});
   list();
   EXPECT_EQ(texts(), Texts{u"B1B2"});
+}
+
+TEST_F(JoiningTest, EqualPartMuchLater_IsNoRepetition) {
+  put(me(1), {.text = u"1", .part = 1, .total = 2, .sent = 0s});
+  put(me(2), {.text = u"1", .part = 1, .total = 2, .sent = 601s});
+  put(me(3), {.text = u"2", .part = 2, .total = 2, .sent = 602s});
+  list();
+  EXPECT_EQ(texts(), Texts{u"12"});
+  EXPECT_EQ(only().slots, (Slots{me(3), me(2)}));
+  put(me(1), {.text = u"1", .part = 1, .total = 2, .sent = 1s});
+  list();
+  EXPECT_EQ(only().slots, (Slots{me(3), me(1), me(2)}));
 }
 
 TEST_F(JoiningTest, SameLongTextSentAgain_IsASecondMessage) {

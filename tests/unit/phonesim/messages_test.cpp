@@ -261,11 +261,16 @@ TEST_F(MessagesTest, BothMemoriesAsOne_CountTheSimFirst) {
   EXPECT_EQ(handset.memories().at(Place::Phone).used(), 2);
 }
 
-TEST_F(MessagesTest, MissingMemory_IsNotOffered) {
-  handset.memories().at(Place::Phone).capacity = 0;
-  EXPECT_EQ(ask("AT+CPMS=?"), "+CPMS: (\"SM\",\"MT\"),(\"SM\",\"MT\"),(\"SM\",\"MT\")|OK|");
-  EXPECT_EQ(ask("AT+CPMS=\"ME\""), "+CMS ERROR: 303|");
-  EXPECT_EQ(ask("AT+CPMS=\"MT\""), "+CPMS: 0,3,0,3,0,3|OK|");
+TEST_F(MessagesTest, MissingMemory_IsNotOfferedAndTheOtherOneTakesItsPlace) {
+  handset.memories().at(Place::Sim).capacity = 0;
+  EXPECT_EQ(ask("AT+CPMS=?"), "+CPMS: (\"ME\"),(\"ME\"),(\"ME\")|OK|");
+  EXPECT_EQ(ask("AT+CPMS?"), "+CPMS: \"ME\",0,5,\"ME\",0,5,\"ME\",0,5|OK|");
+  EXPECT_EQ(ask("AT+CPMS=\"SM\""), "+CMS ERROR: 303|");
+  EXPECT_EQ(ask("AT+CPMS=\"MT\""), "+CMS ERROR: 303|");
+  EXPECT_EQ(write("23", submitPdu), "+CMGW: 1|OK|");
+  EXPECT_EQ(ask("AT+CMGR=1"), "+CMGR: 2,,23\r\n" + std::string(submitPdu) + "|OK|");
+  handset.deliver(octets(deliverPdu));
+  EXPECT_EQ(handset.memories().at(Place::Phone).used(), 2);
 }
 
 TEST_F(MessagesTest, ServiceCentre_IsToldAndSet) {
