@@ -135,6 +135,8 @@ void ExplorerFrame::showSelection() {
   if (list_.model().selection() == window_->selection) return;
   list_.select(window_->selection);
   showItem();
+  showCounts();
+  updateCommands();
 }
 
 void ExplorerFrame::selectionChanged() {
