@@ -13,6 +13,51 @@ constexpr const wchar_t* windowClass = L"Marrick mail client console";
 
 }  // namespace
 
+// What the reading thread and the window share. It outlives both: nothing can end a read of standard input.
+class ConsoleInput::Lines {
+ public:
+  explicit Lines(HWND window) : window_(window) { InitializeCriticalSection(&lock_); }
+  Lines(const Lines&) = delete;
+  Lines& operator=(const Lines&) = delete;
+  ~Lines() { DeleteCriticalSection(&lock_); }
+
+  void put(std::string line) {
+    const Locked locked(lock_);
+    lines_.push_back(std::move(line));
+    if (window_) PostMessageW(window_, lineArrived, 0, 0);
+  }
+
+  bool take(std::string& line) {
+    const Locked locked(lock_);
+    if (lines_.empty()) return false;
+    line = std::move(lines_.front());
+    lines_.pop_front();
+    return true;
+  }
+
+  // Nobody takes lines any more.
+  void close() {
+    const Locked locked(lock_);
+    window_ = nullptr;
+  }
+
+ private:
+  class Locked {
+   public:
+    explicit Locked(CRITICAL_SECTION& section) : section_(section) { EnterCriticalSection(&section_); }
+    Locked(const Locked&) = delete;
+    Locked& operator=(const Locked&) = delete;
+    ~Locked() { LeaveCriticalSection(&section_); }
+
+   private:
+    CRITICAL_SECTION& section_;
+  };
+
+  CRITICAL_SECTION lock_{};
+  HWND window_;
+  std::deque<std::string> lines_;
+};
+
 class ConsoleInput::Reader {
  public:
   explicit Reader(std::function<void(const std::string&)> execute) : execute_(std::move(execute)) {
@@ -23,63 +68,41 @@ class ConsoleInput::Reader {
     RegisterClassW(&windows);
     window_ = CreateWindowExW(0, windowClass, L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, windows.hInstance, nullptr);
     SetWindowLongPtrW(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
-    InitializeCriticalSection(&lock_);
-    InitializeCriticalSection(&working_);
-    thread_ = CreateThread(nullptr, 0, &Reader::read, this, 0, nullptr);
+    lines_ = std::make_shared<Lines>(window_);
+    auto forThread = std::make_unique<std::shared_ptr<Lines>>(lines_);
+    const HANDLE thread = CreateThread(nullptr, 0, &Reader::read, forThread.get(), 0, nullptr);
+    if (!thread) return;
+    (void)forThread.release();
+    CloseHandle(thread);
   }
   Reader(const Reader&) = delete;
   Reader& operator=(const Reader&) = delete;
+  // The thread is left at its reading until endProcess(): one that is terminated may leave a lock of the system behind,
+  // and then the end of the process hangs.
   ~Reader() {
-    // Nothing can end a read of standard input; the process is about to. Whatever else the thread was at is finished
-    // first: ended inside the heap or the message queue, it would leave their locks behind, and the end would hang.
-    EnterCriticalSection(&working_);
-    TerminateThread(thread_, 0);
-    CloseHandle(thread_);
-    DeleteCriticalSection(&lock_);
+    lines_->close();
     SetWindowLongPtrW(window_, GWLP_USERDATA, 0);
     DestroyWindow(window_);
   }
 
  private:
-  // Not through the C run time: its lock would stay with this thread when the process ends.
-  static DWORD WINAPI read(void* self) {
-    auto& reader = *static_cast<Reader*>(self);
+  // Not through the C run time, whose lock would be held all the time.
+  static DWORD WINAPI read(void* parameter) {
+    const std::unique_ptr<std::shared_ptr<Lines>> lines(static_cast<std::shared_ptr<Lines>*>(parameter));
     const HANDLE input = GetStdHandle(STD_INPUT_HANDLE);
     std::string pending;
     char buffer[512];
     DWORD count = 0;
     while (ReadFile(input, buffer, sizeof buffer, &count, nullptr) && count != 0) {
-      EnterCriticalSection(&reader.working_);
       pending.append(buffer, count);
       for (std::size_t end = pending.find('\n'); end != std::string::npos; end = pending.find('\n')) {
-        reader.put(pending.substr(0, end));
+        (*lines)->put(pending.substr(0, end));
         pending.erase(0, end + 1);
       }
-      LeaveCriticalSection(&reader.working_);
     }
-    EnterCriticalSection(&reader.working_);
-    if (!pending.empty()) reader.put(std::move(pending));
-    reader.put("quit");
-    LeaveCriticalSection(&reader.working_);
+    if (!pending.empty()) (*lines)->put(std::move(pending));
+    (*lines)->put("quit");
     return 0;
-  }
-
-  void put(std::string line) {
-    EnterCriticalSection(&lock_);
-    lines_.push_back(std::move(line));
-    LeaveCriticalSection(&lock_);
-    PostMessageW(window_, lineArrived, 0, 0);
-  }
-
-  bool take(std::string& line) {
-    EnterCriticalSection(&lock_);
-    const bool any = !lines_.empty();
-    if (any) {
-      line = std::move(lines_.front());
-      lines_.pop_front();
-    }
-    LeaveCriticalSection(&lock_);
-    return any;
   }
 
   static LRESULT CALLBACK procedure(HWND window, UINT message, WPARAM wide, LPARAM extra) {
@@ -87,7 +110,7 @@ class ConsoleInput::Reader {
     if (message != lineArrived || !self) return DefWindowProcW(window, message, wide, extra);
     com::guarded([&]() -> HRESULT {
       std::string line;
-      if (self->take(line)) self->execute_(line);
+      if (self->lines_->take(line)) self->execute_(line);
       return S_OK;
     });
     return 0;
@@ -95,15 +118,17 @@ class ConsoleInput::Reader {
 
   std::function<void(const std::string&)> execute_;
   HWND window_ = nullptr;
-  CRITICAL_SECTION lock_{};     // of the lines
-  CRITICAL_SECTION working_{};  // held by the thread whenever it does not read
-  HANDLE thread_ = nullptr;
-  std::deque<std::string> lines_;
+  std::shared_ptr<Lines> lines_;
 };
 
 ConsoleInput::ConsoleInput(std::function<void(const std::string&)> execute)
     : reader_(std::make_unique<Reader>(std::move(execute))) {}
 ConsoleInput::~ConsoleInput() = default;
+
+void endProcess(int code) {
+  std::fflush(nullptr);
+  TerminateProcess(GetCurrentProcess(), static_cast<UINT>(code));
+}
 
 void writeAnswer(const std::string& line) {
   std::fwrite(line.data(), 1, line.size(), stdout);

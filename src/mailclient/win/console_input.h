@@ -16,9 +16,14 @@ class ConsoleInput {
   ~ConsoleInput();
 
  private:
+  class Lines;
   class Reader;
   std::unique_ptr<Reader> reader_;
 };
+
+// The end of main(), instead of a return: a thread that still reads standard input cannot be waited for, and the usual
+// end of a process, which terminates it and then takes locks, may hang. Writes what the standard streams still hold.
+void endProcess(int code);
 
 // An answer, on standard output.
 void writeAnswer(const std::string& line);

@@ -10,6 +10,7 @@
 #include "mailclient/console.h"
 #include "mailclient/maildir.h"
 #include "mailclient/text_coding.h"
+#include "mailclient/win/console_input.h"
 #include "mailclient/win/headless.h"
 #include "mailclient/win/mapi_face.h"
 #include "mailclient/win/ui.h"
@@ -106,5 +107,6 @@ int wmain(int count, wchar_t** texts) {
     std::fprintf(stderr, "mailclient: %s\n", error.what());
   }
   OleUninitialize();
+  mailclient::win::endProcess(code);
   return code;
 }
