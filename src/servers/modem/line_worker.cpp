@@ -28,8 +28,9 @@ bool LineWorker::step() {
     if (!link_) return find();
     serve();
     return true;
-  } catch (const PhoneGone& gone) {
-    lose(gone.what());
+  } catch (const std::exception& failure) {
+    // Mostly PhoneGone; whatever else it is, beginning anew is all that can be done about it.
+    lose(failure.what());
     return false;
   }
 }
