@@ -30,12 +30,22 @@ Ref<CellPhone> CellPhones::Item(std::int32_t index) const {
   return phones_[static_cast<std::size_t>(index)];
 }
 
+void CellPhones::add(const Ref<CellPhone>& phone) {
+  phones_.push_back(phone);
+  for (Worker* const worker : workers_) worker->watch(phone);
+}
+
 Worker::Worker(Scheduler& scheduler, Ref<CellPhones> phones) : scheduler_(scheduler), phones_(std::move(phones)) {
-  for (const auto& phone : phones_->all())
-    watching_.push_back(phone->phone()->watch([this, phone](bool connected) { notice(phone, connected); }));
+  for (const auto& phone : phones_->all()) watch(phone);
+  phones_->workerBegins(*this);
+}
+
+void Worker::watch(const Ref<CellPhone>& phone) {
+  watching_.push_back(phone->phone()->watch([this, phone](bool connected) { notice(phone, connected); }));
 }
 
 void Worker::terminate() noexcept {
+  phones_->workerEnds(*this);
   watching_.clear();
   notices_.clear();
 }

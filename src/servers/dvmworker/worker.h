@@ -36,19 +36,27 @@ class CellPhone final : public platform::NativeObject {
   platform::Object sms_;
 };
 
+class Worker;
+
 class CellPhones final : public platform::NativeObject {
  public:
-  explicit CellPhones(std::vector<platform::Ref<CellPhone>> phones) : phones_(std::move(phones)) {}
+  explicit CellPhones(std::vector<platform::Ref<CellPhone>> phones = {}) : phones_(std::move(phones)) {}
 
   std::span<const platform::Member> members() const override;
 
   const std::vector<platform::Ref<CellPhone>>& all() const { return phones_; }
+
+  // One more, behind the others; the workers hear of it from then on.
+  void add(const platform::Ref<CellPhone>& phone);
+  void workerBegins(Worker& worker) { workers_.push_back(&worker); }
+  void workerEnds(Worker& worker) noexcept { std::erase(workers_, &worker); }
 
  private:
   std::int32_t Count() const { return static_cast<std::int32_t>(phones_.size()); }
   platform::Ref<CellPhone> Item(std::int32_t index) const;
 
   std::vector<platform::Ref<CellPhone>> phones_;
+  std::vector<Worker*> workers_;
 };
 
 class Worker final : public platform::NativeObject {
@@ -59,6 +67,7 @@ class Worker final : public platform::NativeObject {
   platform::Guid events() const override { return platform::dvmworkerlib::WorkerEvents::iid; }
 
   bool IsConnected() const;
+  void watch(const platform::Ref<CellPhone>& phone);
 
  private:
   void terminate() noexcept override;

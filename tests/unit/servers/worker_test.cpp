@@ -92,6 +92,29 @@ TEST_F(WorkerTest, PlugAndUnplug_AreNoticedLaterAndInOrder) {
             (std::vector<NoticeRecorder::Notice>{{0, list.Item(1)}, {1, list.Item(0)}, {1, list.Item(1)}}));
 }
 
+TEST_F(WorkerTest, PhoneThatIsAddedLater_IsNoticedByTheWorkersThatAreThere) {
+  const auto third = make<SimulatedPhone>(time, u"Third");
+  third->unplug();
+  phones->add(cellPhone(third));
+  const auto list = worker.CellPhones();
+  EXPECT_EQ(list.Count(), 3);
+  EXPECT_EQ(list.Item(2).Name(), u"Third");
+  third->plug();
+  third->unplug();
+  time.runDue();
+  EXPECT_EQ(notices->notices, (std::vector<NoticeRecorder::Notice>{{1, list.Item(2)}, {0, list.Item(2)}}));
+}
+
+TEST_F(WorkerTest, PhoneThatIsAdded_IsNothingToAWorkerThatHasEnded) {
+  auto ended = make<Worker>(time, phones);
+  ended = nullptr;
+  const auto third = make<SimulatedPhone>(time, u"Third");
+  phones->add(cellPhone(third));
+  third->unplug();
+  time.runDue();
+  EXPECT_EQ(notices->notices, (std::vector<NoticeRecorder::Notice>{{0, worker.CellPhones().Item(2)}}));
+}
+
 TEST_F(WorkerTest, Notice_ReachesAListenerThatIsStillBusyWithTheOneBefore) {
   first->plug();
   notices->inside = [&] {

@@ -1,9 +1,9 @@
 // Settings of the servers, under HKEY_CURRENT_USER. They are read when they are needed, so a change counts at once.
 //
 //   Software\Marrick\timermm     ShortenMinute (DWORD)    test setting: milliseconds that a minute lasts for intervals
-//   of
-//                                                         at least a minute; missing or 0: 60000
-//   Software\Marrick\DVMWorker   StateFile (text)         where the simulated handset keeps its memories; missing:
+//                                                         of at least a minute; missing or 0: 60000
+//   Software\Marrick\DVMWorker   Ports (text)             which phones there are, see servers/dvmworker/win/ports.h
+//                                StateFile (text)         where the simulated handset keeps its memories; missing:
 //                                                         %APPDATA%\Marrick\handset.txt
 //                                NextTransaction (DWORD)  written by sms_object.dll, see TransactionIds
 #pragma once

@@ -1,9 +1,10 @@
-// dvmworker.exe: the local server with the worker, its phones and the simulated handset.
+// dvmworker.exe: the local server with the worker, its phones (ports.h) and the simulated handset.
 //
 //   dvmworker /RegServer | /UnregServer                 registers its classes for everybody
 //   dvmworker /RegServerPerUser | /UnregServerPerUser   for this user, without an administrator
 //   dvmworker [/Embedding]                              serves, until no client has been left for a while
 
+#include <algorithm>
 #include <memory>
 #include <vector>
 
@@ -13,6 +14,7 @@
 #include "servers/common/win/window_scheduler.h"
 #include "servers/dvmworker/handset_control.h"
 #include "servers/dvmworker/win/memory_file.h"
+#include "servers/dvmworker/win/ports.h"
 #include "servers/dvmworker/worker.h"
 #include "servers/sms_object/phone_port.h"
 
@@ -23,6 +25,7 @@ using namespace servers::dvmworker;
 
 constexpr std::int32_t lookForClientsEvery = 1000;  // milliseconds
 constexpr int looksWithoutClients = 4;
+constexpr std::int32_t lookForPortsEvery = 5000;
 constexpr DWORD waitForTheOneBefore = 5000;
 
 constexpr com::ClassRegistration registrations[] = {
@@ -49,30 +52,59 @@ class Server {
  public:
   Server() {
     handset_->memoriesChanged = [this] { file_.save(handset_->memories()); };
-    sms_ = smsObjectOf(handset_);
-    phones_ = make<CellPhones>(std::vector{make<CellPhone>(handset_, sms_)});
-    if (sms_) smsDispatch_ = com::exported(sms_);
-    ownExports_ = com::liveExports();
-    ownSmsReferences_ = smsDispatch_ ? referencesTo(*smsDispatch_.get()) : 0;
+    for (const phone::LineName& name : ports_.names) attach(name);
+    if (ports_.serialOnes) attachSerialOnes();
   }
 
-  // A client holds an object of this process, or the SMS object alone.
+  // A client holds an object of this process, or an SMS object alone.
   bool hasClients() const {
-    return com::liveExports() > ownExports_ || (smsDispatch_ && referencesTo(*smsDispatch_.get()) > ownSmsReferences_);
+    return com::liveExports() > ownExports_ || std::any_of(attached_.begin(), attached_.end(), [](const Attached& one) {
+             return one.sms && referencesTo(*one.sms.get()) > one.ownReferences;
+           });
   }
 
   const Ref<CellPhones>& phones() const { return phones_; }
   const Ref<handset::SimulatedPhone>& handset() const { return handset_; }
 
  private:
+  // What this process itself holds of a phone's SMS object.
+  struct Attached {
+    phone::LineName name;
+    com::Ptr<IDispatch> sms;
+    ULONG ownReferences;
+  };
+
+  void attach(const phone::LineName& name) {
+    const LONG exports = com::liveExports();
+    const bool simulated = name.kind == phone::LineName::Kind::Simulated;
+    const Ref<handset::Phone> one = simulated ? Ref<handset::Phone>(handset_) : modemAt(name);
+    const Object sms = smsObjectOf(one);
+    phones_->add(make<CellPhone>(one, sms));
+    com::Ptr<IDispatch> dispatch;
+    if (sms) dispatch = com::exported(sms);
+    const ULONG references = dispatch ? referencesTo(*dispatch.get()) : 0;
+    attached_.push_back({name, std::move(dispatch), references});
+    ownExports_ += com::liveExports() - exports;
+  }
+
+  // A modem that is plugged into the computer may bring a port of its own. A port that goes is one that cannot be
+  // opened for a while.
+  void attachSerialOnes() {
+    for (const phone::LineName& name : serialPortsOfSystem()) {
+      const auto known = [&](const Attached& one) { return one.name == name; };
+      if (std::none_of(attached_.begin(), attached_.end(), known)) attach(name);
+    }
+    looking_ = servers::windowScheduler().after(lookForPortsEvery, [this] { attachSerialOnes(); });
+  }
+
+  const Ports ports_ = portsOfUser();
   MemoryFile file_;
   Ref<handset::SimulatedPhone> handset_ =
       make<handset::SimulatedPhone>(servers::windowScheduler(), u"Simulated handset", file_.load());
-  Object sms_;
-  com::Ptr<IDispatch> smsDispatch_;
-  Ref<CellPhones> phones_;
+  Ref<CellPhones> phones_ = make<CellPhones>();
+  std::vector<Attached> attached_;
   LONG ownExports_ = 0;
-  ULONG ownSmsReferences_ = 0;
+  Ref<Counted> looking_;
 };
 
 // The classes, offered to other processes.
