@@ -45,6 +45,7 @@ std::span<const Member> HandsetControl::members() const {
       method<&HandsetControl::FailCapacity>(u"FailCapacity", 15),
       method<&HandsetControl::AnswerNext>(u"AnswerNext", 16),
       method<&HandsetControl::SilenceNext>(u"SilenceNext", 17),
+      method<&HandsetControl::ForgetOutcomes>(u"ForgetOutcomes", 23),
       method<&HandsetControl::SentCount>(u"SentCount", 18),
       method<&HandsetControl::SentServiceCentre>(u"SentServiceCentre", 19),
       method<&HandsetControl::SentDestination>(u"SentDestination", 20),

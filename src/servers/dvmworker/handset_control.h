@@ -18,6 +18,7 @@
 //   SetCapacity(store, capacity), SetSupported(store, supported), FailCapacity(fails)
 //   AnswerNext(operation, result, [milliseconds])        the next request of that kind ends with this result, that late
 //   SilenceNext(operation)                               it is never answered
+//   ForgetOutcomes                                       takes back what was said of requests that have not come
 //   SentCount, SentServiceCentre(i), SentDestination(i), SentText(i), ClearSent
 #pragma once
 
@@ -56,6 +57,7 @@ class HandsetControl final : public platform::NativeObject {
   void FailCapacity(bool fails) { phone_->failCapacity(fails); }
   void AnswerNext(const platform::String& operation, std::int32_t result, const std::optional<std::int32_t>& delay);
   void SilenceNext(const platform::String& operation);
+  void ForgetOutcomes() { phone_->forgetScripts(); }
   std::int32_t SentCount() { return static_cast<std::int32_t>(phone_->sent().size()); }
   platform::String SentServiceCentre(std::int32_t position) { return sent(position).serviceCentre; }
   platform::String SentDestination(std::int32_t position) { return sent(position).destination; }

@@ -59,6 +59,8 @@ class SimulatedPhone final : public Phone {
 
   // The next request of that kind that has no outcome yet ends so. Without a script requests succeed at once.
   void script(Operation operation, const Outcome& outcome) { scripts_[operation].push_back(outcome); }
+  // Outcomes that no request has had.
+  void forgetScripts() { scripts_.clear(); }
 
   std::vector<StoredMessage> stored(Store store);
   const Memories& memories() const { return memories_; }

@@ -105,6 +105,8 @@ class Handset : public platform::Object {
   platform::String Stored(std::int32_t store) const { return call<platform::String>(u"Stored", store); }
   void AnswerNext(platform::StringView operation, std::int32_t result) const { call(u"AnswerNext", operation, result); }
   void SilenceNext(platform::StringView operation) const { call(u"SilenceNext", operation); }
+  // A server that still runs from the test before may have some.
+  void ForgetOutcomes() const { call(u"ForgetOutcomes"); }
   std::int32_t SentCount() const { return call<std::int32_t>(u"SentCount"); }
   platform::String SentDestination(std::int32_t i) const { return call<platform::String>(u"SentDestination", i); }
   platform::String SentText(std::int32_t i) const { return call<platform::String>(u"SentText", i); }

@@ -19,6 +19,7 @@ class AddInWindowTest : public WindowTest {
     handset_.Clear(1);
     handset_.Clear(2);
     handset_.ClearSent();
+    handset_.ForgetOutcomes();
     handset_.Unplug();
     start(L"");
     ask("contact \"Anna Ek\" \"+46 (70) 123\"");

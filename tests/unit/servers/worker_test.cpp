@@ -206,6 +206,19 @@ TEST_F(WorkerTest, Control_ScriptsAnswersAndTellsWhatWasSent) {
   EXPECT_EQ(control.call<std::int32_t>(u"SentCount"), 0);
 }
 
+TEST_F(WorkerTest, Control_ForgetOutcomes_LetsTheNextRequestsSucceed) {
+  const auto sms = worker.CellPhones().Item(1).SMS();
+  const auto answers = make<AnswerRecorder>(sms);
+  control.call<void>(u"SilenceNext", u"send");
+  control.call<void>(u"AnswerNext", u"list", 21);
+  control.call<void>(u"ForgetOutcomes");
+  const auto message = sms.CreateShortMessage();
+  message.Destination(u"+4670");
+  const std::int32_t sent = message.Send();
+  time.run(10000);
+  EXPECT_EQ(answers->lines, std::vector{std::to_string(sent) + " 0"});
+}
+
 TEST_F(WorkerTest, Control_PlugsInAndOut) {
   EXPECT_EQ(control.get<std::int32_t>(u"ProcessId"), 4711);
   EXPECT_EQ(control.get<String>(u"Name"), u"Second");
