@@ -41,6 +41,7 @@ class Program : public ConsoleHost {
   // Before the windows close, and after all is saved that the mail client itself keeps.
   virtual void leaving(Steps& /*steps*/) {}
   virtual void left(Steps& /*steps*/) {}
+
   MailClient& client_;
   AddInLoader addIns_;
   Console console_;
