@@ -163,6 +163,19 @@ class SerialPorts {
   HKEY key_ = nullptr;
 };
 
+TEST_F(PortsOfUser, MissingValue_MeansTheSerialPortsOfTheSystemAndNeverTheSimulation) {
+  SerialPorts serial;
+  serial.add(L"\\Device\\MarrickTest0", L"COM254");
+  ports_.remove();
+  const Ending server(serverId());
+  {
+    const auto phones = newWorker().CellPhones();
+    ASSERT_EQ(phones.Count(), serial.count());
+    for (std::int32_t i = 0; i < phones.Count(); ++i) EXPECT_NE(phones.Item(i).Name(), u"Simulated handset");
+  }
+  EXPECT_EQ(server.exitCode(), 0u);
+}
+
 TEST_F(PortsOfUser, EmptyValue_MeansTheSerialPortsOfTheSystemAndThoseThatComeLater) {
   SerialPorts serial;
   serial.add(L"\\Device\\MarrickTest0", L"COM254");

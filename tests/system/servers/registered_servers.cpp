@@ -124,12 +124,15 @@ void Setting::set(const String& text) {
                  static_cast<DWORD>((text.size() + 1) * sizeof(char16_t)));
 }
 
+void Setting::remove() { RegDeleteValueW(key_, name_); }
+
 RegisteredServers::RegisteredServers() {
   OleInitialize(nullptr);
   wchar_t folder[MAX_PATH + 1];
   GetTempPathW(MAX_PATH, folder);
   file_ = String(reinterpret_cast<const char16_t*>(folder)) + u"marrick_servers_test.txt";
   stateFile_.set(file_);
+  ports_.set(u"sim");
   endRunningWorker();
   DeleteFileW(wide(file_));
 }

@@ -41,6 +41,7 @@ class Setting {
 
   void set(DWORD number);
   void set(const platform::String& text);
+  void remove();
 
  private:
   HKEY key_ = nullptr;
@@ -49,8 +50,8 @@ class Setting {
   std::optional<std::vector<BYTE>> before_;
 };
 
-// A test with all servers registered and the handset's memories in a file of its own. A dvmworker.exe that runs when
-// the test begins or ends is ended.
+// A test with all servers registered, and for a phone the simulated handset with its memories in a file of its own. A
+// dvmworker.exe that runs when the test begins or ends is ended.
 class RegisteredServers : public testing::Test {
  protected:
   RegisteredServers();

@@ -33,9 +33,9 @@ std::string narrow(platform::StringView text) {
 }  // namespace
 
 Ports portsOfUser() {
-  const auto list = settings::text(settings::workerKey, u"Ports");
-  if (!list) return {{*phone::parseLineName("sim")}, false};
-  const phone::LineNames read = phone::parseLineNames(narrow(*list));
+  // Missing is no different from empty: a user who has set nothing yet must not have messages "sent" by a simulation.
+  const auto list = settings::text(settings::workerKey, u"Ports").value_or(platform::String());
+  const phone::LineNames read = phone::parseLineNames(narrow(list));
   Ports ports;
   for (const LineName& name : read.names)
     if (std::find(ports.names.begin(), ports.names.end(), name) == ports.names.end()) ports.names.push_back(name);

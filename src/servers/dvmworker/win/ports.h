@@ -4,8 +4,8 @@
 //   tcp:host:port        a modem that is reached over the network, or phonesim
 //   sim                  the simulated handset
 //
-// Several are separated by blanks, commas or semicolons; what is none of these is passed over. Empty: the serial ports
-// of the system, also those that come later. Missing: the simulated handset.
+// Several are separated by blanks, commas or semicolons; what is none of these is passed over. Empty or missing: the
+// serial ports of the system, also those that come later.
 #pragma once
 
 #include <string>
