@@ -18,6 +18,7 @@ using servers_testing::AnswerRecorder;
 using servers_testing::NoticeRecorder;
 using testing_support::errorNumberOf;
 using testing_support::PhonesimProcess;
+using Lines = std::vector<std::string>;
 using Notices = std::vector<NoticeRecorder::Notice>;
 using testing::ElementsAre;
 
@@ -66,6 +67,33 @@ class PortsOfUser : public RegisteredServers {
       texts.push_back(std::to_string(message.Index()) + " " + testing_support::utf8(message.Originator()) + " " +
                       testing_support::utf8(message.Text()));
     return texts;
+  }
+
+  // The same, as the phone of the user.
+  std::unique_ptr<PhonesimProcess> newPhoneInUse() {
+    auto phonesim = newPhone(L"127.0.0.1:0");
+    const std::string address = phonesim->awaitLine("* tcp ").value_or("");
+    EXPECT_NE(address, "");
+    ports_.set(u"tcp:" + String(address.begin(), address.end()));
+    return phonesim;
+  }
+  static dvmworkerlib::CellPhone connectedPhone() {
+    const auto phone = newWorker().CellPhones().Item(0);
+    EXPECT_TRUE(serveUntil([&] { return phone.IsConnected(); }));
+    return phone;
+  }
+  static std::int32_t sendHello(const sms_objectlib::SMS& sms) {
+    const auto message = sms.CreateShortMessage();
+    message.Destination(u"+46702222222");
+    message.Text(u"Hello");
+    return message.Send();
+  }
+  // The status, with a blank in front.
+  static std::string answerToHello(const sms_objectlib::SMS& sms) {
+    const auto answers = make<AnswerRecorder>(sms);
+    const std::string transaction = std::to_string(sendHello(sms));
+    EXPECT_TRUE(serveUntil([&] { return !answers->lines.empty(); }));
+    return answers->lines.empty() ? "none" : answers->lines.back().substr(transaction.size());
   }
 
   String memory_ = file_ + u".phone";
@@ -117,6 +145,44 @@ TEST_F(PortsOfUser, PhoneBehindALine_IsUsedLostAndFoundAgain) {
     EXPECT_THAT(textsOf(sms), ElementsAre("2 +46701111111 two"));
   }
   EXPECT_EQ(server.exitCode(), 0u);
+}
+
+TEST_F(PortsOfUser, ServerKilledWhileAMessageIsOnItsWay_DoesNotSendItAgain) {
+  DeleteFileW(wide(memory_));
+  const auto phonesim = newPhoneInUse();
+  phonesim->type("lose 1");
+  const auto first = connectedPhone();
+  const auto answers = make<AnswerRecorder>(first.SMS());
+  sendHello(first.SMS());
+  EXPECT_EQ(phonesim->awaitLine("* sent "), "+46702222222 \"Hello\"");
+  EXPECT_EQ(answers->lines, Lines{});
+  killWorker(handset());
+
+  const auto second = connectedPhone();
+  constexpr const char* unknown = " 2290614482";  // 0x888800D2
+  for (int attempt = 1; attempt <= 3; ++attempt) EXPECT_EQ(answerToHello(second.SMS()), unknown);
+  phonesim->type("sent");
+  EXPECT_EQ(phonesim->awaitLine("ok 1").value_or("none"), "");
+  // Its user has had a report by now; this is somebody who wants it sent.
+  EXPECT_EQ(answerToHello(second.SMS()), " 0");
+  phonesim->type("sent");
+  EXPECT_EQ(phonesim->awaitLine("ok 2").value_or("none"), "");
+}
+
+TEST_F(PortsOfUser, MessageOnItsWayWithoutAClient_IsWaitedForAndItsOutcomeKept) {
+  DeleteFileW(wide(memory_));
+  const auto phonesim = newPhoneInUse();
+  phonesim->type("slow send 7000");
+  const Ending server(serverId());
+  const DWORD start = GetTickCount();
+  sendHello(connectedPhone().SMS());
+  EXPECT_EQ(server.exitCode(), 0u);
+  EXPECT_GE(GetTickCount() - start, 7000u);  // without the message it is gone after four seconds
+  EXPECT_EQ(phonesim->awaitLine("* sent "), "+46702222222 \"Hello\"");
+
+  EXPECT_EQ(answerToHello(connectedPhone().SMS()), " 0");
+  phonesim->type("sent");
+  EXPECT_EQ(phonesim->awaitLine("ok 1").value_or("none"), "");
 }
 
 TEST_F(PortsOfUser, SeveralPorts_ArePhonesInTheirOrder) {

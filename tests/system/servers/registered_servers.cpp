@@ -132,14 +132,15 @@ RegisteredServers::RegisteredServers() {
   GetTempPathW(MAX_PATH, folder);
   file_ = String(reinterpret_cast<const char16_t*>(folder)) + u"marrick_servers_test.txt";
   stateFile_.set(file_);
+  sendFile_.set(file_ + u".sends");
   ports_.set(u"sim");
   endRunningWorker();
-  DeleteFileW(wide(file_));
+  for (const StringView behind : {u"", u".sends"}) DeleteFileW(wide(file_ + String(behind)));
 }
 
 RegisteredServers::~RegisteredServers() {
   endRunningWorker();
-  DeleteFileW(wide(file_));
+  for (const StringView behind : {u"", u".sends"}) DeleteFileW(wide(file_ + String(behind)));
   OleUninitialize();
 }
 

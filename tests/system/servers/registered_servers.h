@@ -63,6 +63,7 @@ class RegisteredServers : public testing::Test {
   static void killWorker(const platform::LateBound& handset);
 
   Setting stateFile_{L"Software\\Marrick\\DVMWorker", L"StateFile"};
+  Setting sendFile_{L"Software\\Marrick\\DVMWorker", L"SendFile"};
   Setting ports_{L"Software\\Marrick\\DVMWorker", L"Ports"};
   Setting minute_{L"Software\\Marrick\\timermm", L"ShortenMinute"};
   platform::String file_;

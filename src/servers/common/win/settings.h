@@ -6,6 +6,8 @@
 //                                                         missing: those at the serial ports
 //                                StateFile (text)         where the simulated handset keeps its memories; missing:
 //                                                         %APPDATA%\Marrick\handset.txt
+//                                SendFile (text)          where it is noted which messages may have been sent; missing:
+//                                                         %APPDATA%\Marrick\sends.txt
 //                                NextTransaction (DWORD)  written by sms_object.dll, see TransactionIds
 #pragma once
 

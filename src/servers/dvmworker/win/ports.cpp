@@ -7,6 +7,7 @@
 #include "phone/line/steady_clock.h"
 #include "servers/common/win/settings.h"
 #include "servers/common/win/window_scheduler.h"
+#include "servers/dvmworker/win/send_file.h"
 #include "servers/modem/modem_phone.h"
 #include "servers/modem/win/line_thread.h"
 
@@ -65,11 +66,16 @@ std::vector<LineName> serialPortsOfSystem() {
   return ports;
 }
 
-Ref<handset::Phone> modemAt(const LineName& name) {
+std::shared_ptr<modem::SendRecord> recordOfSends() {
+  return std::make_shared<modem::SendRecord>(windowScheduler(), clockOfLines, std::make_unique<SendFile>());
+}
+
+Ref<handset::Phone> modemAt(const LineName& name, std::shared_ptr<modem::SendRecord> record,
+                            std::function<bool()> isHeard) {
   auto opener = [name] { return phone::openLine(name, clockOfLines.now() + connectLimit); };
   // Anything but what was used a moment ago: a message's parts must not be taken for those of another one.
   const auto reference = static_cast<std::uint8_t>(GetTickCount() / 1000);
-  return platform::make<modem::ModemPhone>(windowScheduler(), clockOfLines,
+  return platform::make<modem::ModemPhone>(windowScheduler(), clockOfLines, std::move(record), std::move(isHeard),
                                            modem::makeLineThread(std::move(opener), clockOfLines), reference);
 }
 
