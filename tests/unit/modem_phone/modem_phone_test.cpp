@@ -523,7 +523,7 @@ TEST_F(ModemPhoneTest, PartsThatWereSent_AreNotSentAgainAfterARestart) {
 }
 
 TEST_F(ModemPhoneTest, LongMessageBrokenOffBetweenItsParts_GoesOnThere) {
-  begin("like plain\non message *\n  say +CMGS: 1\n  say OK\non AT+CMGS=*\n  lose\n");
+  begin("like plain\non AT+CMGS=*\n  prompt <CR><LF>><SP>\non AT+CMGS=*\n  lose\n");
   const auto handed = hand(String(200, u'x'));
   rig.modem->heard.clear();
   while (rig.step()) {

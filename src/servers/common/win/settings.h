@@ -8,6 +8,8 @@
 //                                                         %APPDATA%\Marrick\handset.txt
 //                                SendFile (text)          where it is noted which messages may have been sent; missing:
 //                                                         %APPDATA%\Marrick\sends.txt
+//                                TraceFolder (text)       where the dialogues with modems are traced; missing: nowhere
+//                                TraceTexts (DWORD)       1: with texts and numbers in it
 //                                NextTransaction (DWORD)  written by sms_object.dll, see TransactionIds
 #pragma once
 

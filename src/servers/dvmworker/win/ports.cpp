@@ -8,6 +8,7 @@
 #include "servers/common/win/settings.h"
 #include "servers/common/win/window_scheduler.h"
 #include "servers/dvmworker/win/send_file.h"
+#include "servers/dvmworker/win/trace_file.h"
 #include "servers/modem/modem_phone.h"
 #include "servers/modem/win/line_thread.h"
 
@@ -76,7 +77,8 @@ Ref<handset::Phone> modemAt(const LineName& name, std::shared_ptr<modem::SendRec
   // Anything but what was used a moment ago: a message's parts must not be taken for those of another one.
   const auto reference = static_cast<std::uint8_t>(GetTickCount() / 1000);
   return platform::make<modem::ModemPhone>(windowScheduler(), clockOfLines, std::move(record), std::move(isHeard),
-                                           modem::makeLineThread(std::move(opener), clockOfLines), reference);
+                                           modem::makeLineThread(std::move(opener), clockOfLines, traceOf(name)),
+                                           reference);
 }
 
 }  // namespace servers::dvmworker
