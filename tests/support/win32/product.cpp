@@ -84,6 +84,7 @@ std::vector<std::string> registerProduct() {
     done.push_back((registerServer(dll) ? "regsvr32 " : "failed: regsvr32 ") + narrow(dll));
   done.push_back((registerServer(workerFile) ? "" : "failed: ") + narrow(workerFile) + " /RegServer");
   setText(HKEY_LOCAL_MACHINE, installationKey, L"SMSCPath", productFolder() + L"\\smsc.txt");
+  setText(HKEY_CURRENT_USER, workerKey, L"Ports", L"sim");
   return done;
 }
 
@@ -93,6 +94,7 @@ std::vector<std::string> unregisterProduct() {
     done.push_back((unregisterServer(dll) ? "regsvr32 /u " : "failed: regsvr32 /u ") + narrow(dll));
   done.push_back((unregisterServer(workerFile) ? "" : "failed: ") + narrow(workerFile) + " /UnregServer");
   removeValue(HKEY_LOCAL_MACHINE, installationKey, L"SMSCPath");
+  removeValue(HKEY_CURRENT_USER, workerKey, L"Ports");
   return done;
 }
 

@@ -11,9 +11,9 @@
 
 namespace testing_support {
 
-// Registers every server and the add-in, from the folder of the programs under test, and the sample list of service
-// centres. The lines say what was done; a
-// line that begins with "failed" says what was not.
+// Registers every server and the add-in, from the folder of the programs under test, the sample list of service centres
+// and, as the only phone, the simulated handset. The lines say what was done; a line that begins with "failed" says
+// what was not.
 std::vector<std::string> registerProduct();
 std::vector<std::string> unregisterProduct();
 
