@@ -148,6 +148,12 @@ void setShortMinute(std::uint32_t milliseconds) {
   setNumber(HKEY_CURRENT_USER, timerKey, L"ShortenMinute", milliseconds);
 }
 void setHandsetStateFile(const std::wstring& path) { setText(HKEY_CURRENT_USER, workerKey, L"StateFile", path); }
+void setPorts(const std::optional<std::wstring>& list) {
+  if (list)
+    setText(HKEY_CURRENT_USER, workerKey, L"Ports", *list);
+  else
+    removeValue(HKEY_CURRENT_USER, workerKey, L"Ports");
+}
 
 class SavedSettings::Key {
  public:
@@ -286,9 +292,6 @@ bool workerRuns() {
   return mutex != nullptr;
 }
 
-namespace {
-
-// COM starts a server that is not there, but Wine then looks for it once a second only.
 void startWorker() {
   if (workerRuns()) return;
   std::wstring command = L"\"" + productFolder() + L"\\dvmworker.exe\" /Embedding";
@@ -301,8 +304,6 @@ void startWorker() {
   CloseHandle(information.hThread);
   CloseHandle(information.hProcess);
 }
-
-}  // namespace
 
 Handset Handset::connect() {
   startWorker();
