@@ -150,6 +150,12 @@ void setShortMinute(std::uint32_t milliseconds) {
   setNumber(HKEY_CURRENT_USER, timerKey, L"ShortenMinute", milliseconds);
 }
 void setHandsetStateFile(const std::wstring& path) { setText(HKEY_CURRENT_USER, workerKey, L"StateFile", path); }
+void setPorts(const std::optional<std::wstring>& list) {
+  if (list)
+    setText(HKEY_CURRENT_USER, workerKey, L"Ports", *list);
+  else
+    removeValue(HKEY_CURRENT_USER, workerKey, L"Ports");
+}
 
 class SavedSettings::Key {
  public:
@@ -288,9 +294,6 @@ bool workerRuns() {
   return mutex != nullptr;
 }
 
-namespace {
-
-// COM starts a server that is not there, but Wine then looks for it once a second only.
 void startWorker() {
   if (workerRuns()) return;
   std::wstring command = L"\"" + productFolder() + L"\\dvmworker.exe\" /Embedding";
@@ -303,8 +306,6 @@ void startWorker() {
   CloseHandle(information.hThread);
   CloseHandle(information.hProcess);
 }
-
-}  // namespace
 
 Handset Handset::connect() {
   startWorker();
