@@ -11,13 +11,15 @@ namespace phonesim {
 
 namespace {
 
-int capacityIn(const std::string& text) {
+int numberIn(const std::string& text, int most, const char* what) {
   int value = -1;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-  if (error != std::errc() || end != text.data() + text.size() || value < 0 || value > maximalCapacity)
-    throw std::runtime_error("\"" + text + "\" is not a number of slots");
+  if (error != std::errc() || end != text.data() + text.size() || value < 0 || value > most)
+    throw std::runtime_error("\"" + text + "\" is not a number of " + what);
   return value;
 }
+
+int capacityIn(const std::string& text) { return numberIn(text, maximalCapacity, "slots"); }
 
 std::string phoneNumberIn(const std::string& text) {
   const auto address = phone::parseNumber(fromUtf8(text));
@@ -84,6 +86,7 @@ const Setting valueOptions[] = {
     {"--me", [](Options& o, const std::string& v) { o.phoneCapacity = capacityIn(v); }},
     {"--sm", [](Options& o, const std::string& v) { o.simCapacity = capacityIn(v); }},
     {"--centre", [](Options& o, const std::string& v) { o.centre = v.empty() ? v : phoneNumberIn(v); }},
+    {"--speed", [](Options& o, const std::string& v) { o.lineSpeed = numberIn(v, fastestLine, "bits per second"); }},
     {"--pin", [](Options& o, const std::string& v) { o.pin = v; }},
     {"--listen", [](Options& o, const std::string& v) { o.listen = parseEndpoint(v); }},
     {"--link", [](Options& o, const std::string& v) { o.terminal = true, o.terminalLink = v; }},
@@ -130,6 +133,7 @@ std::string_view optionsHelp() {
   --me N, --sm N         slots of phone and SIM (100 and 20); 0: no such memory
   --number NUMBER        its own (+46700000001)
   --centre NUMBER        the service centre that the SIM knows (+46700000000)
+  --speed BITS           per second, as a serial line has it; 0, the default: as fast as it can
   --pin PIN              the SIM asks for it
   --manufacturer NAME, --model NAME
   --network FOLDER       finds other simulators, and is found by them, through files there

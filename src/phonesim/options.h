@@ -25,6 +25,7 @@ struct Options {
   std::optional<int> simCapacity;
   std::optional<std::string> centre;
   std::string pin;
+  int lineSpeed = 0;
   std::optional<Endpoint> listen = Endpoint{"127.0.0.1", 0};
   bool terminal = false;
   std::string terminalLink;

@@ -38,6 +38,7 @@ Simulator::Simulator(Options options)
     : options_(std::move(options)),
       handset_(options_.identity, initialState(options_, loadNotice_), *this),
       alarm_(loop_, [this] { pump(); }) {
+  handset_.faults().lineSpeed = options_.lineSpeed;
   if (!options_.pin.empty()) handset_.insertSim(options_.pin);
 }
 

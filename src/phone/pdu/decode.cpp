@@ -69,7 +69,7 @@ void readStatusReport(Message& message, OctetReader& reader) {
   message.reference = reader.octet();
   message.peer = readAddress(reader);
   message.timeStamp = readTimeStamp(reader.take(timeStampOctets));
-  reader.take(timeStampOctets);  // when it was discharged
+  message.dischargeTime = readTimeStamp(reader.take(timeStampOctets));
   message.reportStatus = reader.octet();
 }
 

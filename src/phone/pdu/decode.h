@@ -29,6 +29,7 @@ struct Message {
   std::uint8_t protocolId = 0;
   std::uint8_t dataCoding = 0;                      // see dataCodingOf()
   std::optional<TimeStamp> timeStamp = {};          // of a Deliver or StatusReport, when it makes sense
+  std::optional<TimeStamp> dischargeTime = {};      // of a StatusReport, when it makes sense
   std::optional<std::uint8_t> validity = {};        // a Submit's relative one
   std::optional<std::uint8_t> reportStatus = {};    // of a StatusReport
   UserData data = {};                               // as it travelled: can be sent on as it is

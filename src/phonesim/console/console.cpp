@@ -115,14 +115,14 @@ const Console::Command* Console::find(std::u16string_view name) {
       {u"take", 2, 2, &Console::take},         {u"clear", 1, 1, &Console::clear},
       {u"capacity", 2, 2, &Console::capacity}, {u"centre", 1, 1, &Console::centre},
       {u"fail", 1, 3, &Console::fail},         {u"late", 1, 2, &Console::late},
-      {u"slow", 2, 2, &Console::slow},         {u"lose", 0, 1, &Console::lose},
-      {u"garble", 0, 1, &Console::garble},     {u"halve", 0, 1, &Console::halve},
-      {u"silent", 0, 0, &Console::silent},     {u"speak", 0, 0, &Console::speak},
-      {u"noise", 1, 1, &Console::noise},       {u"restart", 0, 0, &Console::restart},
-      {u"unplug", 0, 0, &Console::unplug},     {u"plug", 0, 0, &Console::plug},
-      {u"network", 1, 1, &Console::network},   {u"signal", 1, 1, &Console::signal},
-      {u"sim", 1, 2, &Console::sim},           {u"wait", 1, 1, &Console::wait},
-      {u"quit", 0, 0, &Console::quit},
+      {u"slow", 2, 2, &Console::slow},         {u"speed", 1, 1, &Console::speed},
+      {u"lose", 0, 1, &Console::lose},         {u"garble", 0, 1, &Console::garble},
+      {u"halve", 0, 1, &Console::halve},       {u"silent", 0, 0, &Console::silent},
+      {u"speak", 0, 0, &Console::speak},       {u"noise", 1, 1, &Console::noise},
+      {u"restart", 0, 0, &Console::restart},   {u"unplug", 0, 0, &Console::unplug},
+      {u"plug", 0, 0, &Console::plug},         {u"network", 1, 1, &Console::network},
+      {u"signal", 1, 1, &Console::signal},     {u"sim", 1, 2, &Console::sim},
+      {u"wait", 1, 1, &Console::wait},         {u"quit", 0, 0, &Console::quit},
   };
   const auto found = std::ranges::find(commands, name, &Command::name);
   return found == std::end(commands) ? nullptr : &*found;
@@ -143,6 +143,7 @@ fail OPERATION [COUNT [ERROR]]  the next operations fail with that +CMS ERROR; s
 lose [COUNT]              the next sends succeed, but their answers never come
 late MS [COUNT]           the next results come that much later
 slow send|list MS         how long a send takes, or each message of a listing
+speed BITS                per second, as a serial line has it; 0: as fast as it can
 garble [COUNT]            the next lines arrive with wrong characters
 halve [COUNT]             of the next lines, only the first half arrives
 silent                    the phone does not answer any more
@@ -336,6 +337,11 @@ std::string Console::slow(const Words& words) {
   static constexpr std::pair<std::u16string_view, Time Faults::*> choices[] = {{u"send", &Faults::sendTime},
                                                                                {u"list", &Faults::listingTime}};
   handset_.faults().*oneOf(words[1], choices) = Time(numberIn(words[2], 0, enough));
+  return "";
+}
+
+std::string Console::speed(const Words& words) {
+  handset_.faults().lineSpeed = numberIn(words[1], 0, fastestLine);
   return "";
 }
 

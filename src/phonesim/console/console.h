@@ -71,6 +71,7 @@ class Console {
   std::string fail(const Words& words);
   std::string late(const Words& words);
   std::string slow(const Words& words);
+  std::string speed(const Words& words);
   std::string lose(const Words& words);
   std::string garble(const Words& words);
   std::string halve(const Words& words);

@@ -1,5 +1,7 @@
 #include "phonesim/handset/character_set.h"
 
+#include <utility>
+
 #include "phone/pdu/hex.h"
 #include "phone/text/gsm_alphabet.h"
 #include "phone/text/ucs2.h"
@@ -10,14 +12,7 @@ namespace {
 
 constexpr CharacterSet characterSets[] = {CharacterSet::Gsm, CharacterSet::Ira, CharacterSet::Ucs2, CharacterSet::Hex};
 
-std::optional<std::string> onlyAscii(std::u16string_view text) {
-  std::string result;
-  for (const char16_t c : text) {
-    if (c < 0x20 || c > 0x7E) return std::nullopt;
-    result += static_cast<char>(c);
-  }
-  return result;
-}
+constexpr char16_t lastOfSevenBits = 0x7F;
 
 }  // namespace
 
@@ -41,35 +36,51 @@ std::optional<CharacterSet> characterSetNamed(std::string_view name) {
   return std::nullopt;
 }
 
-std::string inCharacterSet(std::string_view ascii, CharacterSet set) {
-  const std::u16string wide(ascii.begin(), ascii.end());
-  const phone::Septets septets = phone::toSeptets(wide);
-  switch (set) {
-    case CharacterSet::Gsm:
-      return {septets.begin(), septets.end()};
-    case CharacterSet::Ira:
-      return std::string(ascii);
-    case CharacterSet::Ucs2:
-      return phone::toHex(phone::toUcs2(wide));
-    case CharacterSet::Hex:
-      return phone::toHex(septets);
-  }
-  return "";
+std::string inCharacterSet(std::u16string_view text, CharacterSet set) {
+  if (set == CharacterSet::Ucs2) return phone::toHex(phone::toUcs2(text));
+  if (set != CharacterSet::Ira) return fromMessage(phone::toSeptets(text), set);
+  std::string result;
+  for (const char16_t c : text) result += c <= lastOfSevenBits ? static_cast<char>(c) : '?';
+  return result;
 }
 
-std::optional<std::string> fromCharacterSet(std::string_view text, CharacterSet set) {
-  if (set == CharacterSet::Ira) return onlyAscii(std::u16string(text.begin(), text.end()));
-  if (set == CharacterSet::Gsm) {
-    for (const char c : text)
-      if (static_cast<unsigned char>(c) > 0x7F) return std::nullopt;
-    return onlyAscii(phone::fromSeptets(phone::Septets(text.begin(), text.end())));
+std::optional<std::u16string> fromCharacterSet(std::string_view text, CharacterSet set) {
+  if (set == CharacterSet::Ucs2) {
+    const auto octets = phone::fromHex(text);
+    if (!octets || octets->size() % 2 != 0) return std::nullopt;
+    return phone::fromUcs2(*octets);
   }
-  const auto octets = phone::fromHex(text);
-  if (!octets) return std::nullopt;
-  if (set == CharacterSet::Ucs2) return onlyAscii(phone::fromUcs2(*octets));
-  for (const auto octet : *octets)
-    if (octet > 0x7F) return std::nullopt;
-  return onlyAscii(phone::fromSeptets(*octets));
+  if (set == CharacterSet::Ira) {
+    for (const char c : text)
+      if (static_cast<unsigned char>(c) > lastOfSevenBits) return std::nullopt;
+    return std::u16string(text.begin(), text.end());
+  }
+  const auto septets = toMessage(text, set);
+  if (!septets) return std::nullopt;
+  return phone::fromSeptets(*septets);
+}
+
+std::string fromMessage(phone::SeptetsView message, CharacterSet set) {
+  if (set == CharacterSet::Gsm) return {message.begin(), message.end()};
+  if (set == CharacterSet::Hex) return phone::toHex(message);
+  return inCharacterSet(phone::fromSeptets(message), set);
+}
+
+std::optional<phone::Septets> toMessage(std::string_view typed, CharacterSet set) {
+  if (set == CharacterSet::Ira || set == CharacterSet::Ucs2) {
+    const auto text = fromCharacterSet(typed, set);
+    if (!text) return std::nullopt;
+    return phone::toSeptets(*text);
+  }
+  phone::Septets septets(typed.begin(), typed.end());
+  if (set == CharacterSet::Hex) {
+    auto octets = phone::fromHex(typed);
+    if (!octets) return std::nullopt;
+    septets = std::move(*octets);
+  }
+  for (const std::uint8_t septet : septets)
+    if (septet > lastOfSevenBits) return std::nullopt;
+  return septets;
 }
 
 }  // namespace phonesim

@@ -7,7 +7,9 @@ namespace phonesim {
 
 namespace {
 
-std::array<std::span<const Command>, 3> tables() { return {basicCommands(), generalCommands(), messageCommands()}; }
+std::array<std::span<const Command>, 5> tables() {
+  return {basicCommands(), generalCommands(), messageCommands(), messageSettingCommands(), phoneBookCommands()};
+}
 
 // What a SIM that does not work makes of a command that needs it.
 std::optional<Result> simRefusal(SimState sim, ErrorFamily family) {

@@ -118,28 +118,6 @@ Result pin(const Call& call) {
   }
 }
 
-constexpr int phoneBookSize = 100;
-
-// There is a phone book on the SIM, and it is empty.
-Result phoneBook(const Call& call) {
-  if (call.command.form == Form::Test) call.answer.line(R"(+CPBS: ("SM"))");
-  if (call.command.form == Form::Read) call.answer.line("+CPBS: \"SM\",0," + std::to_string(phoneBookSize));
-  if (call.command.form == Form::Execute) return notSupported;
-  if (call.command.form == Form::Set && call.command.arguments[0].text != "SM") return incorrectParameters;
-  return Result::ok();
-}
-
-Result readPhoneBook(const Call& call) {
-  if (call.command.form == Form::Test) {
-    call.answer.line("+CPBR: (1-" + std::to_string(phoneBookSize) + "),40,18");
-    return Result::ok();
-  }
-  if (call.command.form != Form::Set) return notSupported;
-  const auto first = call.command.numberAt(0, 1, phoneBookSize);
-  if (!first || !call.command.numberAt(1, *first, phoneBookSize, phoneBookSize)) return Result::cme(cme::invalidIndex);
-  return call.command.count() == 1 ? Result::cme(cme::notFound) : Result::ok();
-}
-
 // ---- the radio ----
 
 Result signalQuality(const Call& call) {
@@ -179,7 +157,8 @@ Result selectOperator(const Call& call) {
     const auto name = call.command.count() < 3
                           ? std::nullopt
                           : fromCharacterSet(call.command.arguments[2].text, call.settings().characters);
-    if (name != operatorNames[static_cast<std::size_t>(*format)]) return Result::cme(cme::noNetworkService);
+    const std::string_view wanted = operatorNames[static_cast<std::size_t>(*format)];
+    if (name != std::u16string(wanted.begin(), wanted.end())) return Result::cme(cme::noNetworkService);
   }
   if (*mode == none) handset.setRegistration(Registration::Off);
   if (*mode <= manual && handset.registration() == Registration::Off) handset.setRegistration(Registration::Home);
@@ -287,8 +266,6 @@ constexpr std::array general{
     Command{"+CMEE", errorStyle},
     Command{"+CSCS", characterSet},
     Command{"+CPIN", pin},
-    Command{"+CPBS", phoneBook, true},
-    Command{"+CPBR", readPhoneBook, true},
     Command{"+CSQ", signalQuality},
     Command{"+CREG", registration},
     Command{"+CGREG", packetRegistration},

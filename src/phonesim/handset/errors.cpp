@@ -82,6 +82,8 @@ constexpr auto equipmentErrors = std::to_array<NumberedWords>({
     {23, "memory failure"},
     {24, "text string too long"},
     {25, "invalid characters in text string"},
+    {26, "dial string too long"},
+    {27, "invalid characters in dial string"},
     {30, "no network service"},
     {31, "network timeout"},
     {32, "network not allowed - emergency calls only"},

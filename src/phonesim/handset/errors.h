@@ -11,6 +11,7 @@ namespace cms {
 inline constexpr int operationNotAllowed = 302;
 inline constexpr int operationNotSupported = 303;
 inline constexpr int invalidPduParameter = 304;
+inline constexpr int invalidTextParameter = 305;
 inline constexpr int simNotInserted = 310;
 inline constexpr int simPinRequired = 311;
 inline constexpr int simPukRequired = 316;
@@ -30,8 +31,13 @@ inline constexpr int simNotInserted = 10;
 inline constexpr int simPinRequired = 11;
 inline constexpr int simPukRequired = 12;
 inline constexpr int incorrectPassword = 16;
+inline constexpr int memoryFull = 20;
 inline constexpr int invalidIndex = 21;
 inline constexpr int notFound = 22;
+inline constexpr int textTooLong = 24;
+inline constexpr int invalidText = 25;
+inline constexpr int numberTooLong = 26;
+inline constexpr int invalidNumber = 27;
 inline constexpr int noNetworkService = 30;
 inline constexpr int incorrectParameters = 50;
 }  // namespace cme

@@ -6,12 +6,12 @@
 #include "phone/pdu/deliver.h"
 #include "phonesim/handset/errors.h"
 #include "phonesim/handset/port.h"
+#include "phonesim/handset/submit_bits.h"
 
 namespace phonesim {
 
 namespace {
 
-constexpr std::uint8_t statusReportRequested = 0x20;  // in a Submit's first octet
 constexpr int pinTries = 3;
 
 std::string ascii(std::u16string_view text) {
@@ -27,6 +27,8 @@ phone::Address addressOf(std::string_view number) {
 }
 
 }  // namespace
+
+std::optional<phone::Address> Handset::centre() const { return phone::parseNumber(wide(state_.centre)); }
 
 Handset::Handset(Identity identity, State state, Network& network)
     : identity_(std::move(identity)), state_(std::move(state)), network_(network) {}
@@ -144,7 +146,7 @@ Handset::SendResult Handset::send(const Octets& pdu, const phone::Message& messa
       .data = message.data,
   };
   network_.take({ascii(phone::shown(message.peer)), message.content.text, pdu, phone::encodeDeliver(deliver).octets});
-  if (message.firstOctet & statusReportRequested) report(message, state_.reference);
+  if (message.firstOctet & submit_bits::statusReport) report(message, state_.reference);
   return {.reference = state_.reference};
 }
 

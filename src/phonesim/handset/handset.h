@@ -37,6 +37,8 @@ enum class Registration { Off = 0, Home = 1, Searching = 2, Denied = 3, Roaming 
 
 enum class Operation { Send, List, Read, Write, Delete };
 
+inline constexpr int fastestLine = 10'000'000;  // bits per second
+
 // What whoever plays with the handset has prepared.
 struct Faults {
   struct Failure {
@@ -54,6 +56,7 @@ struct Faults {
   // Not faults, but how long things take.
   Time sendTime{0};     // from the end of the PDU to the result
   Time listingTime{0};  // each message of a listing
+  int lineSpeed = 0;    // bits per second; 0: octets take no time
 };
 
 // A message that the network has taken.
@@ -82,6 +85,7 @@ class Handset {
 
   const Identity& identity() const { return identity_; }
   const State& state() const { return state_; }
+  PhoneBook& contacts(Place place) { return state_.contacts.at(place); }
   Memories& memories() { return state_.memories; }
   Faults& faults() { return faults_; }
 
@@ -116,6 +120,7 @@ class Handset {
   // Consumes one of the failures that were prepared.
   std::optional<int> failureOf(Operation operation);
 
+  std::optional<phone::Address> centre() const;
   void setCentre(std::string centre) { state_.centre = std::move(centre), changed(); }
   View arrivals() const { return state_.memories.nearest(arrivals_); }  // mem3 of +CPMS
   void setArrivals(View view) { arrivals_ = view; }

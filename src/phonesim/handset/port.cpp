@@ -20,11 +20,6 @@ constexpr Time acknowledgementTime{15000};
 constexpr char carriageReturn = '\r', lineFeed = '\n', backspace = '\b', rubout = '\x7F', escape = '\x1B',
                done = '\x1A';
 
-std::string withPdu(std::string_view head, const Octets& pdu) {
-  const auto length = phone::tpduLength(pdu).value_or(pdu.size());
-  return std::string(head) + std::to_string(length) + "\r\n" + phone::toHex(pdu);
-}
-
 // As an overrun of the line's buffer looks like.
 std::string garbled(std::string text) {
   for (std::size_t i = 1; i < text.size(); i += 3)
@@ -37,27 +32,41 @@ std::string garbled(std::string text) {
 void Port::receive(std::string_view octets, Time now) {
   now_ = now;
   if (handset_.faults().silent) return;
+  const std::size_t room = mostInput - std::min(mostInput, arriving_.underway());
+  arriving_.send(octets.substr(0, room), now, handset_.faults().lineSpeed);
+  listen();
+}
+
+// What does not fit into the buffer is lost, as on a line without a handshake.
+void Port::listen() {
+  const std::string octets = arriving_.arrived(now_);
   const std::size_t room = mostInput - std::min(mostInput, input_.size());
-  octets = octets.substr(0, room);
-  input_.insert(input_.end(), octets.begin(), octets.end());
+  input_.insert(input_.end(), octets.begin(),
+                octets.begin() + static_cast<std::ptrdiff_t>(std::min(room, octets.size())));
 }
 
 std::string Port::take(Time now) {
   now_ = now;
   expireAcknowledgement();
-  std::string due;
+  listen();
   while (true) {
     work();
     if (output_.empty() || output_.front().due > now_) break;
-    if (!handset_.faults().silent) due += output_.front().octets;
+    if (!handset_.faults().silent) leaving_.send(output_.front().octets, now_, handset_.faults().lineSpeed);
     output_.pop_front();
   }
-  return due;
+  return leaving_.arrived(now_);
 }
 
 std::optional<Time> Port::nextOutput() const {
-  if (output_.empty()) return acknowledgeBy_;
-  return std::min(output_.front().due, acknowledgeBy_.value_or(Time::max()));
+  std::optional<Time> next = acknowledgeBy_;
+  const auto consider = [&next](std::optional<Time> time) {
+    if (time && (!next || *time < *next)) next = time;
+  };
+  if (!output_.empty()) consider(output_.front().due);
+  consider(arriving_.next());
+  consider(leaving_.next());
+  return next;
 }
 
 void Port::restart() {
@@ -119,9 +128,29 @@ void Port::typeData(char c) {
     Answer answer;
     const Result result = next(answer, std::exchange(data_, {}));
     if (say(answer, result)) runCommands();
-  } else if (c != lineFeed && c != '\0') {
-    if (settings.echo) emit(std::string(1, c));
-    if (c != carriageReturn && c != ' ' && data_.size() < longestData) data_ += c;
+  } else if (typing_ == Typing::Digits) {
+    typeDigit(c);
+  } else {
+    typeText(c);
+  }
+}
+
+void Port::typeDigit(char c) {
+  if (c == lineFeed || c == '\0') return;
+  if (settings.echo) emit(std::string(1, c));
+  if (c != carriageReturn && c != ' ' && data_.size() < longestData) data_ += c;
+}
+
+// The 7-bit alphabet has a character for each code, also for those that mean something else on a line.
+void Port::typeText(char c) {
+  const bool restOfLineEnd = std::exchange(lineEnded_, c == carriageReturn) && c == lineFeed;
+  const bool raw = settings.characters == CharacterSet::Gsm;
+  if (restOfLineEnd || (c == '\0' && !raw)) return;
+  if (settings.echo) emit(c == carriageReturn ? "\r\n> " : std::string(1, c));
+  if (!raw && (c == backspace || c == rubout)) {
+    if (!data_.empty()) data_.pop_back();
+  } else if (data_.size() < longestData) {
+    data_ += c == carriageReturn ? lineFeed : c;
   }
 }
 
@@ -159,6 +188,7 @@ bool Port::say(const Answer& answer, const Result& result) {
   if (result.kind == Result::Kind::Ok) return true;
   if (result.kind == Result::Kind::Prompt) {
     data_.clear();
+    lineEnded_ = true;  // the command's, to which a line feed may still belong
     emit("\r\n> ");
     return false;
   }
@@ -221,6 +251,14 @@ std::string Port::framed(std::string_view text) const {
   return (settings.verbose ? "\r\n" : "") + std::string(text) + "\r\n";
 }
 
+std::string Port::lengthAndPdu(const Octets& pdu) {
+  return std::to_string(phone::tpduLength(pdu).value_or(pdu.size())) + "\r\n" + phone::toHex(pdu);
+}
+
+TextView Port::textView(const Octets& pdu) const {
+  return {pdu, settings.characters, settings.details, handset_.state().centre};
+}
+
 void Port::setRouting(const Routing& routing) {
   settings.routing = routing;
   if (routing.mode != 0) {
@@ -238,7 +276,7 @@ bool Port::takesDirectly(std::optional<int> messageClass) const {
 
 void Port::announceMessage(const Octets& pdu) {
   if (settings.smsService == 1) acknowledgeBy_ = now_ + acknowledgementTime;
-  announceRouted(withPdu("+CMT: ,", pdu));
+  announceRouted("+CMT: " + (settings.textMode ? textView(pdu).arrived() : ',' + lengthAndPdu(pdu)));
 }
 
 // A host that asked for messages and does not acknowledge them gets no more of them (3GPP TS 27.005, 3.4.4).
@@ -253,7 +291,8 @@ void Port::expireAcknowledgement() {
 }
 
 void Port::announceReport(const Octets& pdu) {
-  if (settings.routing.reports == 1) announceRouted(withPdu("+CDS: ", pdu));
+  if (settings.routing.reports != 1) return;
+  announceRouted("+CDS: " + (settings.textMode ? textView(pdu).reported() : lengthAndPdu(pdu)));
 }
 
 void Port::announceStored(Slot slot) {

@@ -14,6 +14,8 @@
 #include "phonesim/handset/command_line.h"
 #include "phonesim/handset/errors.h"
 #include "phonesim/handset/handset.h"
+#include "phonesim/handset/pace.h"
+#include "phonesim/handset/text_mode.h"
 
 namespace phonesim {
 
@@ -25,6 +27,9 @@ struct Routing {
   int reports = 0;
   int buffered = 0;
 };
+
+// What +CPBS chooses from: the SIM's, the phone's, the handset's own number.
+enum class BookName { Sim, Phone, Own };
 
 // What ATZ and AT&F put back.
 struct Settings {
@@ -39,6 +44,15 @@ struct Settings {
   int burst = 0;             // +CMMS
   int registrationReports = 0;
   int operatorFormat = 0;
+  bool textMode = false;  // +CMGF
+  bool details = false;   // +CSDH
+  TextParameters text;
+  struct Broadcasts {
+    int mode = 0;
+    std::string messages, codings;
+  };
+  Broadcasts broadcasts;  // +CSCB
+  BookName phoneBook = BookName::Sim;
   Routing routing;
 };
 
@@ -100,11 +114,18 @@ class Port {
   // ---- for the commands ----
   using Continuation = std::function<Result(Answer&, std::string_view typed)>;
   Settings settings;
-  Handset& handset() { return handset_; }
+  Handset& handset() const { return handset_; }
   View listing() const { return handset_.state().memories.nearest(settings.listing); }
   View writing() const { return handset_.state().memories.nearest(settings.writing); }
   // What is typed after the prompt goes there.
-  void awaitData(Continuation continuation) { continuation_ = std::move(continuation); }
+  enum class Typing { Digits, Text };
+  void awaitData(Typing typing, Continuation continuation) {
+    typing_ = typing;
+    continuation_ = std::move(continuation);
+  }
+  // A PDU as this port tells it.
+  TextView textView(const Octets& pdu) const;
+  static std::string lengthAndPdu(const Octets& pdu);
   // The state, and the cell when +CREG wants to know.
   std::string registrationText() const;
   void setRouting(const Routing& routing);
@@ -115,11 +136,14 @@ class Port {
     std::string octets;
   };
 
+  void listen();
   bool isBusy() const { return !output_.empty() && output_.back().due > now_; }
   void work();
   void expireAcknowledgement();
   void typeCommand(char c);
   void typeData(char c);
+  void typeDigit(char c);
+  void typeText(char c);
   void execute(std::string line);
   void runCommands();
   bool say(const Answer& answer, const Result& result);
@@ -133,12 +157,15 @@ class Port {
 
   Handset& handset_;
   Time now_{0};
+  Pace arriving_, leaving_;  // on the line
   std::deque<char> input_;
   std::string line_;  // what was typed of the next command line
   bool lineTooLong_ = false;
   std::string lastLine_;  // for A/
   std::string rest_;      // commands of the present line that have not run yet
   Continuation continuation_;
+  Typing typing_ = Typing::Digits;
+  bool lineEnded_ = false;  // what was typed last
   std::string data_;
   std::deque<Piece> output_;
   std::deque<std::string> announcements_;

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <charconv>
 
+#include "phone/pdu/address.h"
 #include "phone/pdu/hex.h"
+#include "phone/text/ucs2.h"
 
 namespace phonesim {
 
@@ -65,6 +67,20 @@ bool readMessage(State& state, std::string_view rest) {
   return memory.slots.try_emplace(*slot, StoredPdu{static_cast<Status>(*status), std::move(*pdu)}).second;
 }
 
+bool readContact(State& state, std::string_view rest) {
+  const auto place = placeNamed(takeWord(rest));
+  const auto index = decimal<int>(takeWord(rest));
+  const std::string_view number = takeWord(rest);
+  const auto name = phone::fromHex(rest);
+  if (!place || !index || *index < 1 || *index > PhoneBook::capacity || !name) return false;
+  if (name->size() % 2 != 0 || name->size() > 2 * longestName) return false;
+  if (!isPlainWord(number) || !phone::parseNumber(std::u16string(number.begin(), number.end()))) return false;
+  PhoneBook& book = state.contacts.at(*place);
+  if (book.entries().contains(*index)) return false;
+  book.put(*index, {std::string(number), phone::fromUcs2(*name)});
+  return true;
+}
+
 bool readQueued(State& state, std::string_view word, std::string_view rest) {
   Travelling message;
   if (word == "travelling") {
@@ -87,6 +103,7 @@ bool readLine(State& state, std::string_view line) {
   const std::string_view word = takeWord(line);
   if (word == "memory") return readMemory(state, line);
   if (word == "message") return readMessage(state, line);
+  if (word == "contact") return readContact(state, line);
   if (word == "waiting" || word == "travelling") return readQueued(state, word, line);
   if (word == "taken") {
     if (!isMark(line) || state.taken.size() >= State::mostTaken) return false;
@@ -119,6 +136,12 @@ std::string toText(const State& state) {
     for (const auto& [slot, message] : state.memories.at(place).slots) {
       text += "message " + std::string(nameOf(place)) + ' ' + std::to_string(slot) + ' ' +
               std::to_string(static_cast<int>(message.status)) + ' ' + phone::toHex(message.pdu) + '\n';
+    }
+  }
+  for (const Place place : {Place::Phone, Place::Sim}) {
+    for (const auto& [index, contact] : state.contacts.at(place).entries()) {
+      text += "contact " + std::string(nameOf(place)) + ' ' + std::to_string(index) + ' ' + contact.number + ' ' +
+              phone::toHex(phone::toUcs2(contact.name)) + '\n';
     }
   }
   if (state.unacknowledged) text += "waiting " + phone::toHex(*state.unacknowledged) + '\n';

@@ -5,11 +5,13 @@
 //   reference 7
 //   memory SM 20
 //   message SM 3 0 07916407...
+//   contact SM 1 +46701234567 0041006E006E0061
 //   waiting 07916407...
 //   travelling +46701234567 8C5B3F0011223344 07916407...
 //   taken 77A0C1D2E3F40516
 //
 // "message": memory, slot, status (3GPP TS 27.005, 3.1), PDU in hexadecimal with the service centre in front.
+// "contact": phone book, entry, number, name in hexadecimal (UCS-2).
 // "waiting": a message that arrived and found no room. "travelling": a message for another handset that could not be
 // reached yet: its number, a mark that keeps it from being taken twice, the PDU that it will receive. "taken": the mark
 // of one that another handset has sent.
@@ -23,6 +25,7 @@
 #include <vector>
 
 #include "phonesim/handset/memory.h"
+#include "phonesim/handset/phone_book.h"
 
 namespace phonesim {
 
@@ -40,6 +43,7 @@ struct State {
   std::string centre;
   std::uint8_t reference = 0;  // of the last message that was sent
   Memories memories;
+  PhoneBooks contacts;
   std::optional<Octets>
       unacknowledged;  // handed to a host that has not said that it has it; waits, as the file sees it
   std::deque<Octets> waiting;

@@ -103,6 +103,13 @@ TEST_F(ConsoleTest, Faults_ReachTheDialogue) {
   EXPECT_EQ(lines(heard()), "OK|");
   say("garble");
   EXPECT_EQ(ask("AT+CSQ"), "+~SQ~ 2~,0|OK|");
+  say("speed 300");  // 33 milliseconds for each octet
+  EXPECT_EQ(ask("AT"), "");
+  now += Time{100};
+  EXPECT_EQ(heard(), "");
+  now += Time{200};
+  EXPECT_EQ(heard(), "\r\nOK\r\n");
+  say("speed 0");
   say("silent");
   EXPECT_EQ(ask("AT"), "");
   say("speak");

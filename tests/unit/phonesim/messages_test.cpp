@@ -297,14 +297,22 @@ TEST_F(MessagesTest, ServiceCentre_ComesInTheCharacterSetThatWasChosen) {
   EXPECT_EQ(ask("AT+CSCS=\"KLINGON\""), "+CME ERROR: 50|");
 }
 
-TEST_F(MessagesTest, TextModeAndWhatBelongsToItAreRefused) {
-  EXPECT_EQ(ask("AT+CMGF=?"), "+CMGF: (0)|OK|");
+TEST_F(MessagesTest, Format_IsPduAtFirst) {
+  EXPECT_EQ(ask("AT+CMGF=?"), "+CMGF: (0,1)|OK|");
   EXPECT_EQ(ask("AT+CMGF=0"), "OK|");
-  EXPECT_EQ(ask("AT+CMGF=1"), "+CMS ERROR: 303|");
   EXPECT_EQ(ask("AT+CMGF=2"), "+CMS ERROR: 304|");
   EXPECT_EQ(ask("AT+CMGF?"), "+CMGF: 0|OK|");
-  EXPECT_EQ(ask("AT+CSMP=17,167,0,0"), "+CMS ERROR: 303|");
-  EXPECT_EQ(ask("AT+CSCB?"), "+CMS ERROR: 303|");
+  EXPECT_EQ(ask("AT+CMGF=1;+CMGF?"), "+CMGF: 1|OK|");
+  EXPECT_EQ(ask("AT+CMGF;+CMGF?"), "+CMGF: 0|OK|");
+}
+
+TEST_F(MessagesTest, Broadcasts_CanBeChosenAndCommandsToTheCentreAreRefused) {
+  EXPECT_EQ(ask("AT+CSCB?"), "+CSCB: 0,\"\",\"\"|OK|");
+  EXPECT_EQ(ask("AT+CSCB=0,\"0,1,300-450\",\"0-3\";+CSCB?"), "+CSCB: 0,\"0,1,300-450\",\"0-3\"|OK|");
+  EXPECT_EQ(ask("AT+CSCB=1;+CSCB?"), "+CSCB: 1,\"\",\"\"|OK|");
+  EXPECT_EQ(ask("AT+CSCB=2"), "+CMS ERROR: 304|");
+  EXPECT_EQ(ask("AT+CSCB=0,\"x\""), "+CMS ERROR: 304|");
+  EXPECT_EQ(ask("AT+CMGC=10"), "+CMS ERROR: 303|");
 }
 
 TEST_F(MessagesTest, HarmlessSettings) {

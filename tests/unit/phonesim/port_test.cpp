@@ -245,6 +245,42 @@ TEST_F(PortTest, FloodWhileBusy_IsBounded) {
   EXPECT_EQ(ask("AT"), "OK|");
 }
 
+// 9600 bits per second are 1.04 milliseconds for an octet.
+TEST_F(PortTest, LineWithASpeed_TakesItsTimeForEachOctetBothWays) {
+  quiet();
+  handset.faults().lineSpeed = 9600;
+  EXPECT_EQ(type("AT\r"), "");
+  EXPECT_EQ(port.nextOutput(), Time{1002});
+  now = Time{1003};
+  EXPECT_EQ(heard(), "");
+  EXPECT_EQ(port.nextOutput(), Time{1004});
+  now = Time{1004};
+  EXPECT_EQ(heard(), "");
+  EXPECT_EQ(port.nextOutput(), Time{1006});
+  now = Time{1009};
+  EXPECT_EQ(heard(), "\r\nOK");
+  now = Time{1010};
+  EXPECT_EQ(heard(), "\r");
+  now = Time{1011};
+  EXPECT_EQ(heard(), "\n");
+  EXPECT_EQ(port.nextOutput(), std::nullopt);
+  handset.faults().lineSpeed = 0;
+  EXPECT_EQ(type("AT\r"), "\r\nOK\r\n");
+}
+
+TEST_F(PortTest, FloodOnASlowLine_IsBounded) {
+  quiet();
+  handset.faults().lineSpeed = 300;
+  for (int i = 0; i < 100; ++i) port.receive(std::string(10000, 'x'), now);
+  now += std::chrono::hours(1);
+  EXPECT_EQ(heard(), "");
+  EXPECT_EQ(type("\r"), "");
+  now += Time{34};
+  EXPECT_EQ(heard(), "");
+  now += Time{300};
+  EXPECT_EQ(heard(), "\r\nERROR\r\n");  // too long
+}
+
 TEST_F(PortTest, Ports_HaveSettingsOfTheirOwn) {
   quiet();
   Port other(handset);

@@ -53,12 +53,6 @@ TEST_F(SettingsTest, SmallThings) {
   EXPECT_EQ(ask("AT+CBC;+CPAS"), "+CBC: 0,100|+CPAS: 0|OK|");
   EXPECT_EQ(ask("AT+CCLK?"), "+CCLK: \"26/02/03,04:05:06+04\"|OK|");
   EXPECT_EQ(ask("AT+CCLK=\"26/02/03,04:05:06+04\""), "+CME ERROR: 3|");
-  EXPECT_EQ(ask("AT+CPBS=?;+CPBS=\"SM\";+CPBS?"), "+CPBS: (\"SM\")|+CPBS: \"SM\",0,100|OK|");
-  EXPECT_EQ(ask("AT+CPBS=\"ME\""), "+CME ERROR: 50|");
-  EXPECT_EQ(ask("AT+CPBR=?"), "+CPBR: (1-100),40,18|OK|");
-  EXPECT_EQ(ask("AT+CPBR=1,100"), "OK|");
-  EXPECT_EQ(ask("AT+CPBR=1"), "+CME ERROR: 22|");
-  EXPECT_EQ(ask("AT+CPBR=101"), "+CME ERROR: 21|");
   EXPECT_EQ(ask("AT+CGREG?;+GCAP;+IPR=9600"), "+CGREG: 0,1|+GCAP: +CGSM|OK|");
 }
 

@@ -19,6 +19,8 @@ constexpr char full[] =
     "message ME 4 2 AABB\n"
     "message SM 1 0 01\n"
     "message SM 3 3 0203\n"
+    "contact ME 100 0701 \n"
+    "contact SM 2 +46701234567 0041006E006E0061\n"
     "waiting 0405\n"
     "travelling +46701 8C5B 0607\n"
     "taken 77A0\n";
@@ -36,6 +38,8 @@ TEST(StateTest, Text_ComesBackTheSame) {
   EXPECT_EQ(toText(state), full);
   EXPECT_EQ(state.reference, 255);
   EXPECT_EQ(state.memories.at(Place::Sim).slots.at(3), (StoredPdu{Status::StoredSent, {2, 3}}));
+  EXPECT_EQ(state.contacts.at(Place::Sim).entries().at(2), (Contact{"+46701234567", u"Anna"}));
+  EXPECT_EQ(state.contacts.at(Place::Phone).entries().at(100), (Contact{"0701", u""}));
   EXPECT_THAT(state.travelling, ElementsAre(Travelling{"+46701", "8C5B", {6, 7}}));
 }
 
@@ -63,6 +67,13 @@ TEST(StateTest, HostileLines_ArePassedOver) {
                                  "message SM 1 0",
                                  "message MT 1 0 01",
                                  "message",
+                                 "contact SM 0 +4670 0041",
+                                 "contact SM 101 +4670 0041",
+                                 "contact SM 1 x 0041",
+                                 "contact SM 1 +4670 00",
+                                 "contact SM 1 +4670 x",
+                                 "contact MT 1 +4670 0041",
+                                 "contact SM 1",
                                  "memory SM",
                                  "memory SM 10001",
                                  "memory SM -1",
@@ -84,7 +95,9 @@ TEST(StateTest, HostileLines_ArePassedOver) {
     const State state = read(std::string("phonesim-memory 1\n") + line + '\n', 1);
     EXPECT_EQ(toText(state), toText(read("phonesim-memory 1\n", 0))) << line;
   }
-  read("message SM 1 0 " + std::string(100000, 'A'), 1);  // and no first line
+  read("message SM 1 0 " + std::string(100000, 'A'), 1);                            // and no first line
+  read("phonesim-memory 1\ncontact SM 1 +4670 " + std::string(76, '0') + '\n', 1);  // 19 letters
+  read("phonesim-memory 1\ncontact SM 1 +4670 0041\ncontact SM 1 +4671 0041\n", 1);
   EXPECT_EQ(read("phonesim-memory 1\nmessage SM 1 0 01\nmessage SM 1 0 02\n", 1).memories.used(View::Sim), 1);
 }
 
