@@ -147,10 +147,11 @@ TEST_F(WorkerServer, WithoutTheSmsLibrary_ThePhoneHasNoSmsObject) {
 }
 
 TEST_F(WorkerServer, WithoutClients_Ends) {
-  const auto id = static_cast<DWORD>(handset().get<std::int32_t>(u"ProcessId"));
-  const HANDLE process = OpenProcess(SYNCHRONIZE, FALSE, id);
+  auto client = handset();
+  const HANDLE process = OpenProcess(SYNCHRONIZE, FALSE, static_cast<DWORD>(client.get<std::int32_t>(u"ProcessId")));
   ASSERT_NE(process, nullptr);
   const DWORD start = GetTickCount();
+  client = LateBound();
   EXPECT_TRUE(serveUntil([&] { return WaitForSingleObject(process, 0) == WAIT_OBJECT_0; }));
   EXPECT_GE(GetTickCount() - start, 3000u);  // a client that comes back soon finds it
   CloseHandle(process);

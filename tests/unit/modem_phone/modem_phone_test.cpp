@@ -566,6 +566,22 @@ TEST_F(ModemPhoneTest, MessageOnItsWayThroughAnotherPhone_IsNotSentByThisOneAsWe
   second = nullptr;
 }
 
+TEST_F(ModemPhoneTest, Trace_SaysOnceWhyThereIsNoModem) {
+  phone = newPhone();
+  const Lines missing{"- nothing is plugged in"};
+  for (int i = 0; i < 3; ++i) EXPECT_FALSE(rig.step());
+  EXPECT_EQ(rig.traced, missing);
+  begin("like plain");
+  EXPECT_GT(rig.traced.size(), 10u);
+  rig.unplug();
+  EXPECT_FALSE(rig.step());
+  rig.traced.clear();
+  rig.clock.follow(nullptr);
+  rig.modem = nullptr;
+  for (int i = 0; i < 3; ++i) EXPECT_FALSE(rig.step());
+  EXPECT_EQ(rig.traced, missing);
+}
+
 TEST_F(ModemPhoneTest, ReleasedWithEverythingUnderWay_LeavesNothing) {
   begin("like plain");
   listed(Store::Sim);

@@ -118,6 +118,8 @@ class Rig : public servers::modem::Mailbox {
   bool isHeard = true;
   std::unique_ptr<ScriptedModem> modem;
   std::unique_ptr<servers::modem::LineWorker> worker;
+  std::vector<std::string> traced;
+  phone::at::Trace trace{[this](std::string_view line) { traced.emplace_back(line); }};
   std::deque<Letter> letters;
   std::deque<servers::modem::Wire::Answer> answers;
   bool hasLine = false;
@@ -142,7 +144,7 @@ class RigWire final : public servers::modem::Wire {
   }
   void open(servers::modem::WireEvents events) override {
     rig_.worker = std::make_unique<servers::modem::LineWorker>([rig = &rig_] { return rig->open(); }, rig_.clock, rig_,
-                                                               std::move(events));
+                                                               std::move(events), &rig_.trace);
   }
   void ask(std::uint32_t life, Deed deed) override { rig_.letters.push_back({life, std::move(deed)}); }
 
