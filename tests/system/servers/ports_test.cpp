@@ -1,7 +1,6 @@
 // The value "Ports": phones of dvmworker.exe that stand behind lines, with phonesim.exe at the other end.
 
 #include <algorithm>
-#include <cwchar>
 
 #include <gmock/gmock.h>
 
@@ -221,35 +220,6 @@ TEST_F(PortsOfUser, SeveralPorts_ArePhonesInTheirOrder) {
   // Also while lines are being tried.
   EXPECT_EQ(server.exitCode(), 0u);
 }
-
-// The list that the system keeps of its serial ports, with ports that are not there.
-class SerialPorts {
- public:
-  SerialPorts() {
-    RegCreateKeyExW(HKEY_LOCAL_MACHINE, L"HARDWARE\\DEVICEMAP\\SERIALCOMM", 0, nullptr, REG_OPTION_VOLATILE,
-                    KEY_QUERY_VALUE | KEY_SET_VALUE, nullptr, &key_, nullptr);
-  }
-  SerialPorts(const SerialPorts&) = delete;
-  SerialPorts& operator=(const SerialPorts&) = delete;
-  ~SerialPorts() {
-    for (const wchar_t* const name : {L"\\Device\\MarrickTest0", L"\\Device\\MarrickTest1"})
-      RegDeleteValueW(key_, name);
-    RegCloseKey(key_);
-  }
-  void add(const wchar_t* device, const wchar_t* port) {
-    RegSetValueExW(key_, device, 0, REG_SZ, reinterpret_cast<const BYTE*>(port),
-                   static_cast<DWORD>((std::wcslen(port) + 1) * sizeof *port));
-  }
-  std::int32_t count() const {
-    DWORD values = 0;
-    RegQueryInfoKeyW(key_, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, &values, nullptr, nullptr, nullptr,
-                     nullptr);
-    return static_cast<std::int32_t>(values);
-  }
-
- private:
-  HKEY key_ = nullptr;
-};
 
 TEST_F(PortsOfUser, MissingValue_MeansTheSerialPortsOfTheSystemAndNeverTheSimulation) {
   SerialPorts serial;
