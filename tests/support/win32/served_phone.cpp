@@ -37,14 +37,13 @@ ServedPhone::ServedPhone(const std::wstring& memoryFile, const std::wstring& arg
 ServedPhone::~ServedPhone() {
   worker_ = nullptr;
   endWorker();
-  setPorts(std::nullopt);
+  setPorts(L"sim");
 }
 
-bool ServedPhone::serve() {
+void ServedPhone::startServer() {
   endWorker();
   setPorts(L"tcp:" + std::wstring(address_.begin(), address_.end()));
   worker_ = newWorker();
-  return awaitConnected();
 }
 
 void ServedPhone::start() {
