@@ -150,6 +150,12 @@ void setShortMinute(std::uint32_t milliseconds) {
   setNumber(HKEY_CURRENT_USER, timerKey, L"ShortenMinute", milliseconds);
 }
 void setHandsetStateFile(const std::wstring& path) { setText(HKEY_CURRENT_USER, workerKey, L"StateFile", path); }
+void setSendFile(const std::wstring& path) {
+  if (path.empty())
+    removeValue(HKEY_CURRENT_USER, workerKey, L"SendFile");
+  else
+    setText(HKEY_CURRENT_USER, workerKey, L"SendFile", path);
+}
 void setPorts(const std::wstring& list) { setText(HKEY_CURRENT_USER, workerKey, L"Ports", list); }
 
 class SavedSettings::Key {

@@ -42,6 +42,8 @@ bool installHelpViewer();
 // A value under HKEY_CURRENT_USER; 0 milliseconds or an empty text removes it.
 void setShortMinute(std::uint32_t milliseconds);
 void setHandsetStateFile(const std::wstring& path);
+// Where dvmworker.exe notes which messages may have been sent; an empty path removes the value.
+void setSendFile(const std::wstring& path);
 // Which phones dvmworker.exe looks for, when it starts the next time. Registering the product says "sim".
 void setPorts(const std::wstring& list);
 

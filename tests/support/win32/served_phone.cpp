@@ -30,7 +30,7 @@ phone::TimeStamp stampOf(std::string_view twelve) {
 }  // namespace
 
 ServedPhone::ServedPhone(const std::wstring& memoryFile, const std::wstring& arguments)
-    : command_(L"--memory \"" + memoryFile + L"\" " + arguments + L" --listen ") {
+    : command_(L"--memory \"" + memoryFile + L"\" " + arguments + L" --listen "), sendFile_(memoryFile + L".sends") {
   start();
 }
 
@@ -38,10 +38,12 @@ ServedPhone::~ServedPhone() {
   worker_ = nullptr;
   endWorker();
   setPorts(L"sim");
+  setSendFile(L"");
 }
 
 void ServedPhone::startServer() {
   endWorker();
+  setSendFile(sendFile_);
   setPorts(L"tcp:" + std::wstring(address_.begin(), address_.end()));
   worker_ = newWorker();
 }

@@ -12,7 +12,8 @@ namespace testing_support {
 
 class ServedPhone {
  public:
-  // Starts phonesim with its memory in a file, and further arguments. COM must be initialised.
+  // Starts phonesim with its memory in a file, and further arguments. What the server notes about sends goes into a
+  // file beside it. COM must be initialised.
   ServedPhone(const std::wstring& memoryFile, const std::wstring& arguments);
   // Ends both; what comes next finds the handset that the server simulates itself.
   ~ServedPhone();
@@ -49,6 +50,7 @@ class ServedPhone {
 
  private:
   std::wstring command_;  // all arguments but the address
+  std::wstring sendFile_;
   std::string address_ = "127.0.0.1:0";
   std::optional<PhonesimProcess> phonesim_;
   platform::dvmworkerlib::Worker worker_;
