@@ -1,6 +1,7 @@
 #include "servers/sms_object/sms_object.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "servers/sms_object/phone_port.h"
 
@@ -33,7 +34,7 @@ std::span<const Member> SmsObject::members() const {
 void SmsObject::attach(Ref<Phone> phone) {
   if (phone_ || !phone) raiseError(5);
   watching_ = phone->watch([this](bool connected) {
-    if (!connected) dropEverything();
+    if (!connected) phoneLost();
   });
   phone_ = std::move(phone);
 }
@@ -44,6 +45,18 @@ void SmsObject::terminate() noexcept {
   dropEverything();
   watching_ = nullptr;
   phone_ = nullptr;
+}
+
+// What became of a send or a deletion is told now, while there still is somebody who listens: the notice of the loss
+// comes next, and whoever has not heard the outcome by then asks again. Better before the request's return than never.
+void SmsObject::phoneLost() {
+  const Hold<SmsObject> keep(this);
+  std::deque<Answer> outcomes;
+  if (!delivering_)
+    std::copy_if(answers_.begin(), answers_.end(), std::back_inserter(outcomes),
+                 [](const Answer& a) { return a.last && !a.message; });
+  dropEverything();
+  for (const Answer& outcome : outcomes) deliver(outcome);
 }
 
 void SmsObject::dropEverything() noexcept {
@@ -123,13 +136,16 @@ void SmsObject::deliverNext() {
   const Answer answer = std::move(*next);
   answers_.erase(next);
   if (answer.last) pending_.erase(answer.transaction);
+  deliver(answer);
+  scheduleDelivery();
+}
 
+void SmsObject::deliver(const Answer& answer) {
   Object message;
   if (answer.message) message = make<ShortMessage>(this, *answer.message).get()->object();
   delivering_ = true;  // a listener that serves messages inside its handler must not get the next answer there
   fire(sms_objectlib::SMSEvents::OnNotifyResponse, answer.transaction, answer.status, message);
   delivering_ = false;
-  scheduleDelivery();
 }
 
 }  // namespace servers::sms_object

@@ -13,8 +13,8 @@
 // only after a while, which is made of several turns of this thread's own timer: on a machine that is too busy to bring
 // the return to its caller, each of the turns comes late as well, and the while grows with the need for it.
 //
-// Unplugging the phone drops what is pending; no answer comes. Requests without a phone are error
-// handset::notConnected.
+// Losing the phone drops what is pending; no answer comes. Outcomes that the phone has given are delivered before
+// anybody is told of the loss. Requests without a phone are error handset::notConnected.
 #pragma once
 
 #include <deque>
@@ -81,6 +81,8 @@ class SmsObject final : public platform::NativeObject {
   void answer(Answer answer);
   void scheduleDelivery();
   void deliverNext();
+  void deliver(const Answer& answer);
+  void phoneLost();
   void dropEverything() noexcept;
 
   Scheduler& scheduler_;

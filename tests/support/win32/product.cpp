@@ -84,7 +84,7 @@ std::vector<std::string> registerProduct() {
     done.push_back((registerServer(dll) ? "regsvr32 " : "failed: regsvr32 ") + narrow(dll));
   done.push_back((registerServer(workerFile) ? "" : "failed: ") + narrow(workerFile) + " /RegServer");
   setText(HKEY_LOCAL_MACHINE, installationKey, L"SMSCPath", productFolder() + L"\\smsc.txt");
-  setText(HKEY_CURRENT_USER, workerKey, L"Ports", L"sim");
+  setPorts(L"sim");
   return done;
 }
 
@@ -150,12 +150,13 @@ void setShortMinute(std::uint32_t milliseconds) {
   setNumber(HKEY_CURRENT_USER, timerKey, L"ShortenMinute", milliseconds);
 }
 void setHandsetStateFile(const std::wstring& path) { setText(HKEY_CURRENT_USER, workerKey, L"StateFile", path); }
-void setPorts(const std::optional<std::wstring>& list) {
-  if (list)
-    setText(HKEY_CURRENT_USER, workerKey, L"Ports", *list);
+void setSendFile(const std::wstring& path) {
+  if (path.empty())
+    removeValue(HKEY_CURRENT_USER, workerKey, L"SendFile");
   else
-    removeValue(HKEY_CURRENT_USER, workerKey, L"Ports");
+    setText(HKEY_CURRENT_USER, workerKey, L"SendFile", path);
 }
+void setPorts(const std::wstring& list) { setText(HKEY_CURRENT_USER, workerKey, L"Ports", list); }
 
 class SavedSettings::Key {
  public:

@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -43,8 +42,10 @@ bool installHelpViewer();
 // A value under HKEY_CURRENT_USER; 0 milliseconds or an empty text removes it.
 void setShortMinute(std::uint32_t milliseconds);
 void setHandsetStateFile(const std::wstring& path);
-// Which phones dvmworker.exe looks for, when it starts the next time; nothing removes the value.
-void setPorts(const std::optional<std::wstring>& list);
+// Where dvmworker.exe notes which messages may have been sent; an empty path removes the value.
+void setSendFile(const std::wstring& path);
+// Which phones dvmworker.exe looks for, when it starts the next time. Registering the product says "sim".
+void setPorts(const std::wstring& list);
 
 // The values of all keys that the product and its tests use, put back as they were.
 class SavedSettings {

@@ -30,21 +30,22 @@ phone::TimeStamp stampOf(std::string_view twelve) {
 }  // namespace
 
 ServedPhone::ServedPhone(const std::wstring& memoryFile, const std::wstring& arguments)
-    : command_(L"--memory \"" + memoryFile + L"\" " + arguments + L" --listen ") {
+    : command_(L"--memory \"" + memoryFile + L"\" " + arguments + L" --listen "), sendFile_(memoryFile + L".sends") {
   start();
 }
 
 ServedPhone::~ServedPhone() {
   worker_ = nullptr;
   endWorker();
-  setPorts(std::nullopt);
+  setPorts(L"sim");
+  setSendFile(L"");
 }
 
-bool ServedPhone::serve() {
+void ServedPhone::startServer() {
   endWorker();
+  setSendFile(sendFile_);
   setPorts(L"tcp:" + std::wstring(address_.begin(), address_.end()));
   worker_ = newWorker();
-  return awaitConnected();
 }
 
 void ServedPhone::start() {

@@ -12,15 +12,21 @@ namespace testing_support {
 
 class ServedPhone {
  public:
-  // Starts phonesim with its memory in a file, and further arguments. COM must be initialised.
+  // Starts phonesim with its memory in a file, and further arguments. What the server notes about sends goes into a
+  // file beside it. COM must be initialised.
   ServedPhone(const std::wstring& memoryFile, const std::wstring& arguments);
-  // Ends both, and the setting.
+  // Ends both; what comes next finds the handset that the server simulates itself.
   ~ServedPhone();
   ServedPhone(const ServedPhone&) = delete;
   ServedPhone& operator=(const ServedPhone&) = delete;
 
-  // Starts the server anew; false when it does not find the phone.
-  bool serve();
+  // Starts the server anew, which looks for the phone.
+  void startServer();
+  // The same; false when it does not find the phone.
+  bool serve() {
+    startServer();
+    return awaitConnected();
+  }
   // Whether the server has found the phone, or has lost it, now or soon.
   bool awaitConnected(bool connected = true) const;
 
@@ -44,6 +50,7 @@ class ServedPhone {
 
  private:
   std::wstring command_;  // all arguments but the address
+  std::wstring sendFile_;
   std::string address_ = "127.0.0.1:0";
   std::optional<PhonesimProcess> phonesim_;
   platform::dvmworkerlib::Worker worker_;

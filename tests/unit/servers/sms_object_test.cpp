@@ -200,10 +200,12 @@ TEST_P(SmsObjectTest, Send_EndsAsScripted) {
 TEST_P(SmsObjectTest, Unplugging_DropsPendingRequestsSilently) {
   store(Store::Sim, Status::ReceivedRead, u"one");
   store(Store::Sim, Status::ReceivedRead, u"two");
+  phone->script(Operation::Send, {.delay = 51});
+  phone->script(Operation::Remove, {.delay = 51});
   sms.ListMessages(2, 4);
   filled().Send();
   sms.DeleteMessage(2, 1);
-  time.run(50);  // the phone has answered, the answers are held back
+  time.run(50);  // the phone has answered the listing, its answers are held back
   phone->unplug();
   phone->plug();
   time.run(100000);
@@ -211,6 +213,21 @@ TEST_P(SmsObjectTest, Unplugging_DropsPendingRequestsSilently) {
   const std::int32_t id = sms.ListMessages(1, 4);
   time.run(1000);
   EXPECT_EQ(answers->lines, (Lines{line(id, " 0")}));
+}
+
+TEST_P(SmsObjectTest, Unplugging_TellsTheOutcomesThatThePhoneHasGivenBeforeTheLossIsKnown) {
+  Lines inOrder;
+  answers->inside = [&] { inOrder.push_back(answers->lines.back()); };
+  const auto watching = phone->watch([&](bool connected) { inOrder.push_back(connected ? "plugged" : "unplugged"); });
+  phone->script(Operation::Send, {.result = 21});
+  const std::int32_t send = filled().Send();
+  const std::int32_t remove = sms.DeleteMessage(2, 1);
+  time.run(50);  // the phone has answered, the answers are held back
+  EXPECT_EQ(inOrder, Lines{});
+  phone->unplug();
+  EXPECT_EQ(inOrder, (Lines{line(send, " 21"), line(remove, empty), "unplugged"}));
+  time.run(100000);
+  EXPECT_EQ(inOrder.size(), 3u);
 }
 
 TEST_P(SmsObjectTest, Unplugging_BetweenTwoAnswers_DropsTheSecond) {

@@ -1,8 +1,8 @@
-// What the trace says while all is well; see product_test.h.
+// What the trace says while all is well; see installed_product.h.
 
-#include "product_test.h"
+#include "support/win32/installed_product.h"
 
-namespace failures_tests {
+namespace installed_product {
 
 Lines connectingLines(Start start) {
   const Lines header{"mrktxtmsg (255) : *********** ProcessName: mrktxtmsg - Level: 2 - Time: #"};
@@ -151,4 +151,4 @@ Lines messageSent() {
           "SetupSendMessage: #"};
 }
 
-}  // namespace failures_tests
+}  // namespace installed_product
