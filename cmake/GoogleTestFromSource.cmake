@@ -13,6 +13,7 @@ add_subdirectory(${GOOGLETEST_SOURCES} ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FR
 foreach(target gtest gtest_main gmock gmock_main)
   target_compile_options(${target} PRIVATE -w)
   if(WIN32)
+    target_compile_options(${target} PRIVATE -Og)
     target_include_directories(${target} BEFORE PUBLIC
       ${CMAKE_CURRENT_SOURCE_DIR}/cmake/googletest-without-threads)
   endif()

@@ -1,8 +1,8 @@
 #include "addin/platform/outlook.h"
 #include "addin/platform/with_events.h"
-#include "com/com_object.h"
 #include "com/extensibility2.h"
 #include "sample_page/sample_page.h"
+#include "sample_page/vtable_object.h"
 
 namespace sample_page {
 namespace {
@@ -23,18 +23,8 @@ class Offer final : public platform::Counted {
   }
 };
 
-class AddIn final : public com::ComObject<com::IDTExtensibility2> {
+class AddIn final : public VtableObject<com::IDTExtensibility2> {
  public:
-  STDMETHODIMP GetTypeInfoCount(UINT* count) override {
-    *count = 0;
-    return S_OK;
-  }
-  STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-  STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override { return DISP_E_UNKNOWNNAME; }
-  STDMETHODIMP Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*) override {
-    return DISP_E_MEMBERNOTFOUND;
-  }
-
   STDMETHODIMP OnConnection(IDispatch* application, LONG, IDispatch*, SAFEARRAY**) override {
     return com::guarded([&] {
       offer_ = platform::make<Offer>();

@@ -1,6 +1,6 @@
-#include "com/com_object.h"
 #include "com/property_page.h"
 #include "sample_page/sample_page.h"
+#include "sample_page/vtable_object.h"
 
 namespace sample_page {
 namespace {
@@ -14,20 +14,9 @@ String digitsOf(long number) {
 
 // One edit control; what is typed there makes the page dirty. Of the many interfaces of a control it has those through
 // which a host makes one visible, and says no to everything that it does not need.
-class Page final : public com::ComObject<com::PropertyPage, IOleObject, IOleInPlaceObject, IPersistStreamInit> {
+class Page final : public VtableObject<com::PropertyPage, IOleObject, IOleInPlaceObject, IPersistStreamInit> {
  public:
   Page() { log(u"made"); }
-
-  // IDispatch: a host has the vtable.
-  STDMETHODIMP GetTypeInfoCount(UINT* count) override {
-    *count = 0;
-    return S_OK;
-  }
-  STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-  STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override { return DISP_E_UNKNOWNNAME; }
-  STDMETHODIMP Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*) override {
-    return DISP_E_MEMBERNOTFOUND;
-  }
 
   // PropertyPage
   STDMETHODIMP GetPageInfo(BSTR* helpFile, LONG* helpContext) override {

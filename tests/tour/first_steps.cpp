@@ -34,13 +34,13 @@ void Tour::install() {
   setHelpFiles(L"", 0);
   check(installHelpViewer(), "a stand-in for the system's help viewer shows what it is asked for");
   setShortMinute(0);
-  setHandsetStateFile(folder_ + L"\\handset.txt");
-  handset_ = Handset::connect();
-  handset_.Clear(phoneMemory);
-  handset_.Clear(sim);
-  handset_.ClearSent();
-  handset_.Plug();
-  check(handset_.StoredCount(sim) == 0, "a simulated handset is plugged in, its memories empty");
+  // A small SIM card: it is filled by messages that arrive.
+  handset_ = std::make_unique<ServedPhone>(folder_ + L"\\handset.phone", L"--sm 8");
+  check(phone("list").empty(), "a simulated handset is there, its memories empty");
+  for (const std::string& put :
+       ServedPhone::commands("store SM read", "+46704445566", u"Read on the phone already", "261120075900"))
+    phone(put);
+  check(handset_->serve(), "with a message on its SIM card, it is plugged in, and dvmworker.exe finds it");
 }
 
 void Tour::startTheFirstTime() {
@@ -150,7 +150,7 @@ void Tour::lookAtTheWindow() {
   const auto forms = ask("form").lines;
   check(forms.size() == 1 && forms[0].starts_with("\"IPM.Note.TxtMsg\""), "the text-message form is published");
   const HWND status = screen::child(explorer_, STATUSCLASSNAMEW);
-  check(waitUntil([&] { return screen::statusText(status, 1) == L"Simulated handset connected"; }),
+  check(waitUntil([&] { return screen::statusText(status, 1) == L"Marrick Simulated handset connected"; }),
         "the status bar says that the phone is connected");
   check(waitUntil([&] { return IsWindowEnabled(explorer_) != FALSE; }), "the window takes clicks again");
   picture("mail-client");

@@ -1,7 +1,7 @@
 //   tour FOLDER     leaves the mail store, the trace and the pictures in FOLDER
 //
-// The add-in is the real DLL, loaded by the stand-in mail client through the registry; the phone is the simulated
-// handset behind its COM servers. Exit code 0 when every check held.
+// The add-in is the real DLL, loaded by the stand-in mail client through the registry; the phone is phonesim, with
+// which the COM servers speak as with a modem. Exit code 0 when every check held.
 
 #include "tour/tour.h"
 
@@ -94,6 +94,25 @@ bool Tour::sendReceiveEnabled() {
   for (const std::string& line : ask("buttons").lines)
     if (field(line, "tag") == "Send & Receive Text Message") return field(line, "enabled") == "1";
   return false;
+}
+
+bool Tour::sendTimerIsArmed() const {
+  bool armed = false;
+  for (const std::string& line : trace_.lines()) {
+    armed |= line.find("SetupSendMessage: ") != std::string::npos;
+    armed &= line.find("m_objTimer_Timer: ") == std::string::npos;
+  }
+  return armed;
+}
+
+std::vector<std::string> Tour::phone(const std::string& command) {
+  const Answer answer = handset_->ask(command);
+  if (!answer.ok) check(false, "the handset's console takes \"" + command + "\": " + answer.result);
+  return answer.lines;
+}
+
+void Tour::arrives(const char* number, const char16_t* text, const char* stamp) {
+  if (!handset_->receives(number, text, stamp)) check(false, "a message arrives, and the server reads it");
 }
 
 // ---- at the screen --------------------------------------------------------------------------------------------------

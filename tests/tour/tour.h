@@ -9,6 +9,7 @@
 #include "support/win32/mail_client_process.h"
 #include "support/win32/product.h"
 #include "support/win32/screen.h"
+#include "support/win32/served_phone.h"
 
 namespace tour {
 
@@ -16,8 +17,7 @@ using namespace testing_support;
 using platform::String;
 
 inline constexpr const char* addInId = "mrktxtmsg.connect";
-inline constexpr std::int32_t phoneMemory = 1;
-inline constexpr std::int32_t sim = 2;
+inline constexpr const char* sim = "SM";
 
 class Tour {
  public:
@@ -48,6 +48,12 @@ class Tour {
     return MailClientProcess::field(line, name);
   }
   bool sendReceiveEnabled();
+  bool sendTimerIsArmed() const;
+  // A command at the handset's console; its answer's lines.
+  std::vector<std::string> phone(const std::string& command);
+  std::size_t storedOn(const char* memory) { return phone("list " + std::string(memory)).size(); }
+  // A message arrives at the handset.
+  void arrives(const char* number, const char16_t* text, const char* stamp);
 
   // ---- at the screen
   DWORD process() const { return client_->processId(); }
@@ -97,7 +103,7 @@ class Tour {
   std::wstring folder_;
   std::wstring ownerBefore_;
   TraceLog trace_;
-  Handset handset_;
+  std::unique_ptr<ServedPhone> handset_;
   std::unique_ptr<MailClientProcess> client_;
   HWND explorer_ = nullptr;
   int steps_ = 0;

@@ -4,6 +4,8 @@
 #include <cwchar>
 #include <utility>
 
+#include "mailclient/item.h"
+
 namespace mailclient::win {
 namespace {
 
@@ -104,6 +106,33 @@ void InspectorFrame::layout() {
     top += height + scaled(framed ? 5 : 3);
   }
   layoutBelow({0, top + scaled(2), area.right, area.bottom});
+}
+
+bool InspectorFrame::run(int id) {
+  switch (id) {
+    case toolSave:
+      save();
+      return true;
+    case toolReply:
+      shell_.answer(messagePtr(), Answer::Reply);
+      return true;
+    case toolReplyAll:
+      shell_.answer(messagePtr(), Answer::ReplyAll);
+      return true;
+    case toolForward:
+      shell_.answer(messagePtr(), Answer::Forward);
+      return true;
+    case toolDelete:
+      removeItem();
+      return true;
+    default:
+      return false;
+  }
+}
+
+void InspectorFrame::sendItem() {
+  const Ref<Item> item = shell_.client().itemObject(messagePtr());
+  if (auto* const mail = dynamic_cast<MailItem*>(item.get())) mail->send();
 }
 
 void InspectorFrame::removeItem() {

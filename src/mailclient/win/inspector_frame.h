@@ -37,7 +37,7 @@ class InspectorFrame : public Window {
   virtual std::vector<Tool> tools() const = 0;
   virtual void createFields() = 0;
   virtual void layoutBelow(const RECT& area) = 0;
-  virtual bool run(int id) = 0;      // a tool; false for none of its own
+  virtual bool run(int id);          // a tool; false for none of its own
   virtual void changed(int, int) {}  // a control's notification
   virtual bool isChanged() const { return false; }
   virtual void save() {}
@@ -50,6 +50,8 @@ class InspectorFrame : public Window {
   Message& message() { return *window_->message; }
   const Message& message() const { return *window_->message; }
   const MessagePtr& messagePtr() const { return window_->message; }
+  // The item as programs see it, on its way to the Outbox.
+  void sendItem();
   // Deletes the item; its windows close before anybody hears of it.
   void removeItem();
   void retitle() { SetWindowTextW(handle(), wide(title())); }

@@ -1,6 +1,5 @@
 #include "mailclient/win/mail_form.h"
 
-#include "mailclient/item.h"
 #include "mailclient/win/reading_pane.h"
 #include "mailclient/win/text_message_form.h"
 
@@ -85,29 +84,10 @@ void MailForm::take() {
 }
 
 bool MailForm::run(int id) {
-  switch (id) {
-    case toolSend: {
-      take();
-      const Ref<Item> item = shell().client().itemObject(messagePtr());
-      if (auto* const mail = dynamic_cast<MailItem*>(item.get())) mail->send();
-      return true;
-    }
-    case toolSave:
-      save();
-      return true;
-    case toolReply:
-    case toolReplyAll:
-    case toolForward:
-      shell().answer(messagePtr(), id == toolReply      ? Answer::Reply
-                                   : id == toolReplyAll ? Answer::ReplyAll
-                                                        : Answer::Forward);
-      return true;
-    case toolDelete:
-      removeItem();
-      return true;
-    default:
-      return false;
-  }
+  if (id != toolSend) return FieldsForm::run(id);
+  take();
+  sendItem();
+  return true;
 }
 
 // ---- contact
@@ -139,13 +119,8 @@ void ContactForm::take() {
 }
 
 bool ContactForm::run(int id) {
-  if (id == toolSave) {
-    save();
-    shell().client().windows().closeInspectorsOf(messagePtr());
-    return true;
-  }
-  if (id != toolDelete) return false;
-  removeItem();
+  if (!FieldsForm::run(id)) return false;
+  if (id == toolSave) shell().client().windows().closeInspectorsOf(messagePtr());
   return true;
 }
 

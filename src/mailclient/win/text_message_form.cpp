@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "mailclient/item.h"
 #include "mailclient/view/message_parts.h"
 #include "mailclient/win/reading_pane.h"
 
@@ -174,28 +173,13 @@ void TextMessageForm::send() {
     return;
   if (!handle()) return;  // closed by a program meanwhile
   writeTextMessage(message(), *address, text);
-  const Ref<Item> item = shell().client().itemObject(messagePtr());
-  if (auto* const mail = dynamic_cast<MailItem*>(item.get())) mail->send();
+  sendItem();
 }
 
 bool TextMessageForm::run(int id) {
-  switch (id) {
-    case toolSend:
-      send();
-      return true;
-    case toolSave:
-      save();
-      return true;
-    case toolReply:
-    case toolForward:
-      shell().answer(messagePtr(), id == toolReply ? Answer::Reply : Answer::Forward);
-      return true;
-    case toolDelete:
-      removeItem();
-      return true;
-    default:
-      return false;
-  }
+  if (id != toolSend) return InspectorFrame::run(id);
+  send();
+  return true;
 }
 
 }  // namespace mailclient::win

@@ -7,18 +7,14 @@
 
 #include "addin/platform/date.h"
 #include "mailclient/built_in_commands.h"
-#include "mailclient/console.h"
-#include "mailclient/steps.h"
-#include "mailclient/text_coding.h"
 #include "mailclient/view/folder_tree.h"
-#include "mailclient/win/addin_loader.h"
 #include "mailclient/win/balloon.h"
-#include "mailclient/win/console_input.h"
 #include "mailclient/win/explorer_frame.h"
 #include "mailclient/win/inspector_frame.h"
 #include "mailclient/win/key_router.h"
 #include "mailclient/win/options_dialog.h"
 #include "mailclient/win/phone_watch.h"
+#include "mailclient/win/program.h"
 
 namespace mailclient::win {
 namespace {
@@ -31,14 +27,13 @@ constexpr UINT sweepAgain = 200;  // milliseconds, while a closed window's frame
 constexpr UINT phoneTick = 250;   // milliseconds, while the phone is at work
 
 // The program, and the window behind all windows: it does not show, and serves what belongs to none of them.
-class WindowProgram final : public Window, public Shell, public WindowsHost, public ConsoleHost {
+class WindowProgram final : public Window, public Shell, public WindowsHost, public Program {
  public:
   WindowProgram(const ClientPtr& client, const WindowOptions& options)
-      : client_(client),
+      : Program(*client),
+        client_(client),
         options_(options),
         settings_(client->store().state().settings),
-        addIns_(*client),
-        console_(*client, *this),
         keys_([this](HWND top, MSG& message) { return routeKey(top, message); }) {}
 
   ~WindowProgram();
@@ -69,16 +64,8 @@ class WindowProgram final : public Window, public Shell, public WindowsHost, pub
   void selectionChanged(const ExplorerPtr& window) override;
   void stateChanged(const ExplorerPtr& window) override;
 
-  // ---- ConsoleHost
-  void answer(const std::string& line) override { writeAnswer(line); }
-  bool waitUntil(const std::function<bool()>& condition, std::int32_t milliseconds) override {
-    return serveUntil(condition, static_cast<DWORD>(milliseconds));
-  }
-  void connectAddIn(const String& progId) override { addIns_.connect(progId, ConnectMode::AfterStartup); }
-  void disconnectAddIn(const String& progId, std::int32_t removeMode) override {
-    addIns_.disconnect(progId, removeMode);
-  }
-  void quit() override;
+  // ---- Program
+  using Program::answer;
   std::vector<std::string> menuItems() override {
     const ExplorerFrame* const frame = activeFrame();
     return frame ? frame->menuItems() : std::vector<std::string>();
@@ -90,6 +77,8 @@ class WindowProgram final : public Window, public Shell, public WindowsHost, pub
  private:
   class OutboxWatch;
 
+  void leaving(Steps& steps) override;
+  void left(Steps& steps) override;
   bool routeKey(HWND top, MSG& message);
   void runBuiltIn(std::int32_t id);
   ExplorerFrame* activeFrame();
@@ -100,14 +89,11 @@ class WindowProgram final : public Window, public Shell, public WindowsHost, pub
   void showAssistantState();
   void endIfNoWindowIsLeft();
   void sweepRetired();
-  void saveButtons();
 
   ClientPtr client_;
   WindowOptions options_;
   std::map<String, String> settings_;
   PhoneActivity phone_;
-  AddInLoader addIns_;
-  Console console_;
   KeyRouter keys_;
   Ref<PhoneWatch> watch_;
   std::unique_ptr<OutboxWatch> outbox_;
@@ -115,7 +101,6 @@ class WindowProgram final : public Window, public Shell, public WindowsHost, pub
   std::map<InspectorWindow*, std::unique_ptr<InspectorFrame>> inspectors_;
   std::list<std::unique_ptr<Window>> retired_;
   bool started_ = false;
-  bool ending_ = false;
 };
 
 // How many text messages wait to be sent.
@@ -181,11 +166,7 @@ int WindowProgram::run() {
   outbox_ = std::make_unique<OutboxWatch>(*this);
 
   std::unique_ptr<ConsoleInput> input;
-  if (options_.console)
-    input = std::make_unique<ConsoleInput>([this](const auto& line) {
-      console_.execute(line);
-      saveButtons();
-    });
+  if (options_.console) input = std::make_unique<ConsoleInput>([this](const std::string& line) { execute(line); });
   if (options_.explorer) {
     auto folder = folderAt(client_->store(), setting(u"explorer.folder"));
     if (!folder || folder == client_->store().root()) folder = client_->store().defaultFolder(DefaultFolder::Inbox);
@@ -195,51 +176,30 @@ int WindowProgram::run() {
   showAssistantState();
   PostMessageW(handle(), connectPhone, 0, 0);
   started_ = true;
-  addIns_.loadAtStartup();
-  saveButtons();
+  loadAddIns();
   if (options_.console) answer("0 ready");
   if (options_.explorer) endIfNoWindowIsLeft();
-  MSG message{};
-  while (GetMessageW(&message, nullptr, 0, 0) > 0) {
-    TranslateMessage(&message);
-    DispatchMessageW(&message);
-  }
-  quit();  // when it was not we who ended the loop
-  return static_cast<int>(message.wParam);
+  return serveMessages();
 }
 
-// Closing all windows lets their last events out first, while the add-ins still hear. Whatever fails, the program ends.
-void WindowProgram::quit() {
-  if (std::exchange(ending_, true)) return;
-  Steps steps;
+void WindowProgram::leaving(Steps& steps) {
   for (const auto& [window, frame] : explorers_) frame->rememberPlace();
   steps.run([&] {
     if (watch_) watch_->release();
   });
   KillTimer(handle(), phoneTimer);
-  steps.run([&] { client_->quit(); });
-  steps.run([&] { addIns_.shutDown(); });
-  settings_[u"assistant"] = client_->assistant().on ? u"1" : u"0";
-  steps.run([&] { client_->saveSettings(); });
-  steps.run([&] { client_->store().saveSettings(settings_); });
-  outbox_ = nullptr;
-  if (steps.failure()) {
-    std::fprintf(stderr, "mailclient: not everything could be saved: %s\n",
-                 toUtf8(steps.failure()->description).c_str());
-    if (!options_.console) tellError(nullptr, *steps.failure());
-  }
-  PostQuitMessage(steps.failure() ? 1 : 0);
 }
 
-// A crash leaves the buttons that programs have added; the next run must find them by their tags.
-void WindowProgram::saveButtons() {
-  Steps silent;  // the end tries again, and says what fails
-  if (!ending_) silent.run([&] { client_->saveSettings(); });
+void WindowProgram::left(Steps& steps) {
+  settings_[u"assistant"] = client_->assistant().on ? u"1" : u"0";
+  steps.run([&] { client_->store().saveSettings(settings_); });
+  outbox_ = nullptr;
+  if (steps.failure() && !options_.console) tellError(nullptr, *steps.failure());
 }
 
 void WindowProgram::endIfNoWindowIsLeft() {
   const Windows& windows = client_->windows();
-  if (started_ && !ending_ && windows.explorers().empty() && windows.inspectors().empty()) quit();
+  if (started_ && !isEnding() && windows.explorers().empty() && windows.inspectors().empty()) quit();
 }
 
 void WindowProgram::exit() {
@@ -293,13 +253,13 @@ LRESULT WindowProgram::onMessage(UINT message, WPARAM wide, LPARAM extra) {
 // --------------------------------------------------------------------------------------------------------------
 
 void WindowProgram::watchPhone() {
-  if (ending_) return;
+  if (isEnding()) return;
   watch_ = make<PhoneWatch>(phone_, [this] { showPhone(); });
   watch_->connect();
 }
 
 void WindowProgram::showPhone() {
-  if (ending_ || !handle()) return;
+  if (isEnding() || !handle()) return;
   for (const auto& [window, frame] : explorers_) frame->showPhone();
   if (phone_.isWorking(GetTickCount()))
     SetTimer(handle(), phoneTimer, phoneTick, nullptr);

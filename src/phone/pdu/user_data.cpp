@@ -47,7 +47,8 @@ Content readUserData(const UserData& data, const DataCoding& coding) {
     const std::size_t taken = (headerSize * 8 + 6) / 7;
     // A length that ends inside the header or its fill bits leaves no text.
     const std::size_t count = data.length > taken ? data.length - taken : 0;
-    content.text = fromSeptets(unpackSeptets(octets.subspan(headerSize), count, fillBitsAfter(headerSize)));
+    const Septets septets = unpackSeptets(octets.subspan(headerSize), count, fillBitsAfter(headerSize));
+    content.text = fromSeptets(septets, septetTablesOf(content.header));
     return content;
   }
   const OctetsView body = octets.subspan(headerSize);

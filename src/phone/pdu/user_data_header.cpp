@@ -63,10 +63,15 @@ bool isForPort(const UserDataHeader& header) {
   });
 }
 
-bool hasNationalTable(const UserDataHeader& header) {
-  return std::ranges::any_of(header.elements, [](const HeaderElement& element) {
-    return element.id == header_element::nationalSingleShift || element.id == header_element::nationalLockingShift;
-  });
+SeptetTables septetTablesOf(const UserDataHeader& header) {
+  std::uint8_t lockingShift = national_language::none;
+  std::uint8_t singleShift = national_language::none;
+  for (const HeaderElement& element : header.elements) {
+    if (element.data.size() != 1) continue;
+    if (element.id == header_element::nationalLockingShift) lockingShift = element.data.front();
+    if (element.id == header_element::nationalSingleShift) singleShift = element.data.front();
+  }
+  return tablesOf(lockingShift, singleShift);
 }
 
 }  // namespace phone

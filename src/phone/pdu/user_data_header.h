@@ -5,6 +5,7 @@
 #include <optional>
 #include <vector>
 
+#include "phone/text/national_language.h"
 #include "phone/text/octets.h"
 
 namespace phone {
@@ -52,7 +53,8 @@ std::optional<Concatenation> concatenationOf(const UserDataHeader& header);
 
 // For a program on the phone (by 8- or 16-bit port) rather than for a reader.
 bool isForPort(const UserDataHeader& header);
-// Written with a national language table.
-bool hasNationalTable(const UserDataHeader& header);
+// The tables that 7-bit text behind the header is written with. Of several elements the last one counts; one of another
+// length than its own is as if it were not there.
+SeptetTables septetTablesOf(const UserDataHeader& header);
 
 }  // namespace phone

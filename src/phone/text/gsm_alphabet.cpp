@@ -18,11 +18,7 @@ constexpr std::array<char16_t, 128> mainTable{
     u'p', u'q', u'r', u's', u't', u'u', u'v', u'w',  u'x', u'y', u'z',  u'ä', u'ö', u'ñ',  u'ü', u'à',
 };
 
-struct Extension {
-  std::uint8_t septet;
-  char16_t character;
-};
-constexpr std::array<Extension, 10> extensionTable{{
+constexpr std::array<Code, 10> extensionCodes{{
     {0x0A, u'\f'},
     {0x14, u'^'},
     {0x28, u'{'},
@@ -46,7 +42,7 @@ constexpr auto latinCodes = [] {
   for (std::size_t septet = 0; septet < mainTable.size(); ++septet)
     if (septet != escapeSeptet && mainTable[septet] < codes.size())
       codes[mainTable[septet]] = static_cast<std::uint8_t>(septet);
-  for (const Extension& extension : extensionTable)
+  for (const Code& extension : extensionCodes)
     if (extension.character < codes.size())
       codes[extension.character] = static_cast<std::uint8_t>(escapeFlag | extension.septet);
   return codes;
@@ -59,13 +55,20 @@ std::uint8_t codeOf(char16_t character) {
   return greek == mainTable.begin() + 0x1B ? none : static_cast<std::uint8_t>(greek - mainTable.begin());
 }
 
-char16_t extended(std::uint8_t septet) {
+char16_t main(std::uint8_t septet, const SeptetTables& tables) {
+  const auto found = std::ranges::find(tables.instead, septet, &Code::septet);
+  return found == tables.instead.end() ? mainTable[septet] : found->character;
+}
+
+char16_t extended(std::uint8_t septet, const SeptetTables& tables) {
   if (septet == escapeSeptet) return u' ';
-  const auto found = std::ranges::find(extensionTable, septet, &Extension::septet);
-  return found == extensionTable.end() ? mainTable[septet] : found->character;
+  const auto found = std::ranges::find(tables.extension, septet, &Code::septet);
+  return found == tables.extension.end() ? main(septet, tables) : found->character;
 }
 
 }  // namespace
+
+constinit const std::span<const Code> extensionTable = extensionCodes;
 
 std::size_t septetsOf(char16_t character) {
   const std::uint8_t code = codeOf(character);
@@ -97,15 +100,15 @@ Septets toSeptets(std::u16string_view text) {
   return septets;
 }
 
-std::u16string fromSeptets(SeptetsView septets) {
+std::u16string fromSeptets(SeptetsView septets, const SeptetTables& tables) {
   std::u16string text;
   text.reserve(septets.size());
   for (std::size_t at = 0; at < septets.size(); ++at) {
     const std::uint8_t septet = septets[at] & 0x7F;
     if (septet == escapeSeptet && at + 1 < septets.size())
-      text += extended(septets[++at] & 0x7F);
+      text += extended(septets[++at] & 0x7F, tables);
     else
-      text += mainTable[septet];
+      text += main(septet, tables);
   }
   return text;
 }

@@ -1,10 +1,9 @@
-// The GSM 7-bit default alphabet and its extension table (3GPP TS 23.038, 6.2.1).
-//
-// National language tables replace these when a message's header says so (3GPP TS 23.040, 9.2.3.24.15 and 16). Such a
-// message is shown with the tables of this file: most of its characters are the same in all of them.
+// The GSM 7-bit default alphabet and its extension table (3GPP TS 23.038, 6.2.1). Texts are written with these alone;
+// a message that arrives may be written with others (national_language.h).
 #pragma once
 
 #include <cstddef>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -25,8 +24,20 @@ bool fitsGsmAlphabet(std::u16string_view text);
 // A character that the alphabet lacks becomes a question mark: callers ask fitsGsmAlphabet() first.
 Septets toSeptets(std::u16string_view text);
 
+struct Code {
+  std::uint8_t septet;
+  char16_t character;
+};
+extern const std::span<const Code> extensionTable;
+
+// What septets mean.
+struct SeptetTables {
+  std::span<const Code> instead = {};  // of the main table's characters
+  std::span<const Code> extension = extensionTable;
+};
+
 // Any sequence of septets is text: after an escape, a code that the extension table lacks stands for its character in
 // the main table, and a second escape is a blank. An escape at the very end is a blank too.
-std::u16string fromSeptets(SeptetsView septets);
+std::u16string fromSeptets(SeptetsView septets, const SeptetTables& tables = {});
 
 }  // namespace phone

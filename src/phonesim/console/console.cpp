@@ -140,7 +140,7 @@ clear ME|SM               removes all
 capacity ME|SM NUMBER     changes the number of slots; 0: there is no such memory
 contact ME|SM NUMBER NAME  adds an entry to the phone book; NAME has at most 18 letters
 contacts                  what is in the phone books
-sent [clear]              what was sent since the start; or forgets it
+sent [clear]              what was sent since the start, and by which service centre; or forgets it
 centre NUMBER             the service centre that the SIM knows; "" for none
 fail OPERATION [COUNT [ERROR]]  the next operations fail with that +CMS ERROR; send, list, read, write, delete
 lose [COUNT]              the next sends succeed, but their answers never come
@@ -269,7 +269,10 @@ std::string Console::sent(const Words& words) {
     host_.clearSent();
     return "";
   }
-  for (const Submission& message : host_.sent()) tell(message.destination + ' ' + describe(message.submit));
+  for (const Submission& message : host_.sent()) {
+    const auto centre = phone::decodePdu(message.submit).serviceCentre;
+    tell(message.destination + ' ' + describe(message.submit) + (centre ? " by " + toUtf8(phone::shown(*centre)) : ""));
+  }
   return std::to_string(host_.sent().size());
 }
 

@@ -73,6 +73,11 @@ class Phone : public platform::Counted {
   [[nodiscard]] virtual Request remove(Store store, std::int16_t index, OnEnd onEnd) = 0;
   [[nodiscard]] virtual Request send(const OutgoingMessage& message, OnEnd onEnd) = 0;
 
+  // Something is on its way whose outcome would be lost with the process.
+  virtual bool isSending() { return false; }
+  // Nobody is left who could hear what becomes of the requests so far.
+  virtual void abandoned() {}
+
   // Calls `changed` after every plugging in (true) and unplugging (false), until the result is let go.
   using OnConnection = std::function<void(bool connected)>;
   [[nodiscard]] virtual platform::Ref<platform::Counted> watch(OnConnection changed) = 0;

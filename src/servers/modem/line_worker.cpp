@@ -52,6 +52,7 @@ bool LineWorker::find() {
     if (presence.supported[at]) presence.stored[at] = modem.list(memory).messages;
   }
   link_->found = true;
+  lastLoss_.clear();
   link_->supported = presence.supported;
   nextCheck_ = clock_.now() + checkInterval;
   mailbox_.give([found = events_.found, presence = std::move(presence)] { found(presence); });
@@ -88,7 +89,9 @@ void LineWorker::tellNotices() {
 }
 
 void LineWorker::lose(const char* why) {
-  if (trace_) trace_->note(why);
+  // Once: the search for a port that is not there would fill the trace.
+  if (trace_ && lastLoss_ != why) trace_->note(why);
+  lastLoss_ = why;
   mailbox_.lineIs(nullptr);
   const bool known = link_ && link_->found;
   link_.reset();

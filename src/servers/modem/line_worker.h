@@ -55,6 +55,7 @@ class LineWorker {
   Mailbox& mailbox_;
   WireEvents events_;
   phone::at::Trace* trace_;
+  std::string lastLoss_;
   std::unique_ptr<Link> link_;
   std::uint32_t life_ = 0;
   phone::Instant nextCheck_{};

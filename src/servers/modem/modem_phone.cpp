@@ -53,9 +53,14 @@ struct ModemPhone::Forgetting final : Counted {
   Ref<Pending> pending;
 };
 
-ModemPhone::ModemPhone(Scheduler& scheduler, const phone::Clock& clock, std::unique_ptr<Wire> wire,
-                       std::uint8_t reference)
-    : scheduler_(scheduler), clock_(clock), reference_(reference), wire_(std::move(wire)) {
+ModemPhone::ModemPhone(Scheduler& scheduler, const phone::Clock& clock, std::shared_ptr<SendRecord> record,
+                       std::function<bool()> isHeard, std::unique_ptr<Wire> wire, std::uint8_t reference)
+    : scheduler_(scheduler),
+      clock_(clock),
+      record_(std::move(record)),
+      isHeard_(std::move(isHeard)),
+      reference_(reference),
+      wire_(std::move(wire)) {
   wire_->open({[this](Presence presence) { found(std::move(presence)); }, [this] { lost(); },
                [this](const phone::Notice& notice) { noticed(notice); }});
 }
@@ -188,66 +193,78 @@ void ModemPhone::removed(const Ref<Pending>& pending, const std::vector<Removal>
 }
 
 Phone::Request ModemPhone::send(const OutgoingMessage& message, OnEnd onEnd) {
+  using State = SendRecord::State;
   requireConnected();
   const auto pending = begin(std::move(onEnd));
-  SendRecord::Entry& entry = record_.request(message);
-  const auto refuse = [&](const Outcome& outcome) { endLater(*pending.get(), phone::resultCode(outcome)); };
-  if (entry.toldTooLate) {
-    record_.ended(entry, {}, true);
-    refuse({});
-    return asked(pending);
+  SendRecord::Entry& entry = record_->request(message);
+  Outcome outcome{Outcome::Kind::Unknown};  // also of what is on its way through another phone
+  if (entry.state == State::Untold) {
+    outcome = {};
+    record_->ended(entry, outcome, 0, true);
+  } else if (entry.state == State::Unsent) {
+    outcome = handOver(entry, message);
   }
-  if (entry.unknown) {
-    refuse({Outcome::Kind::Unknown});
-    return asked(pending);
-  }
-  if (!entry.open && !entry.sending) {
-    auto sending = std::make_shared<phone::Sending>();
-    const Outcome prepared =
-        Modem::prepare(message.serviceCentre, message.destination, message.text, reference_++, *sending);
-    if (!prepared.done()) {
-      record_.ended(entry, prepared, true);
-      refuse(prepared);
-      return asked(pending);
-    }
-    entry.sending = std::move(sending);
-  }
-  if (!entry.open) {
-    sends_.push_back({message.destination, message.text, {}});
-    handOver(entry);
-  }
-  const auto open = std::find_if(sends_.begin(), sends_.end(), [&](const OpenSend& s) {
-    return s.destination == message.destination && s.text == message.text;
-  });
-  open->waiting.push_back({pending, clock_.now() + patienceFor(message) - answerMargin});
+  OpenSend* const open = openSend(entry.key);
+  if (open)
+    open->waiting.push_back({pending, clock_.now() + patienceFor(message) - answerMargin});
+  else
+    endLater(*pending.get(), phone::resultCode(outcome));
   return asked(pending);
 }
 
-void ModemPhone::handOver(SendRecord::Entry& entry) {
-  entry.open = true;
-  ask([this, destination = entry.destination, text = entry.text,
-       sending = entry.sending](Modem& modem) -> Wire::Answer {
-    const Outcome outcome = modem.send(*sending);
-    return [this, destination, text, outcome] { sent(destination, text, outcome); };
-  });
+ModemPhone::OpenSend* ModemPhone::openSend(std::uint64_t key) {
+  const auto open = std::find_if(sends_.begin(), sends_.end(), [key](const OpenSend& s) { return s.key == key; });
+  return open == sends_.end() ? nullptr : &*open;
 }
 
-void ModemPhone::sent(const platform::String& destination, const platform::String& text, const Outcome& outcome) {
+// Noted before the modem can have it.
+Outcome ModemPhone::handOver(SendRecord::Entry& entry, const OutgoingMessage& message) {
+  const std::uint8_t reference = entry.partsSent > 0 ? entry.reference : reference_++;
+  auto sending = std::make_shared<phone::Sending>();
+  const Outcome prepared =
+      Modem::prepare(message.serviceCentre, message.destination, message.text, reference, *sending);
+  if (!prepared.done()) {
+    record_->ended(entry, prepared, entry.partsSent, true);
+    return prepared;
+  }
+  if (entry.partsSent < sending->parts.size()) sending->sent = entry.partsSent;
+  record_->begins(entry, reference);
+  sends_.push_back({entry.key, sending, {}});
+  ask([this, key = entry.key, sending](Modem& modem) -> Wire::Answer {
+    const Outcome outcome = modem.send(*sending);
+    return [this, key, outcome] { sent(key, outcome); };
+  });
+  return {};
+}
+
+void ModemPhone::sent(std::uint64_t key, const Outcome& outcome) {
   const Hold<ModemPhone> keep(this);
-  const auto open = std::find_if(sends_.begin(), sends_.end(),
-                                 [&](const OpenSend& s) { return s.destination == destination && s.text == text; });
-  SendRecord::Entry* const entry = record_.find(destination, text);
-  if (open == sends_.end() || !entry) return;
-  const auto waiting = std::move(open->waiting);
+  if (!isHeard_()) abandoned();
+  const auto open = std::find_if(sends_.begin(), sends_.end(), [key](const OpenSend& s) { return s.key == key; });
+  if (open == sends_.end()) return;
+  const OpenSend ended = std::move(*open);
   sends_.erase(open);
   // Requests of which nobody waits for the answer any more never get one: it would be taken for another's.
   std::vector<Ref<Pending>> told;
-  for (const Waiting& one : waiting)
-    if (clock_.now() < one.until && one.pending.get()->onEnd) told.push_back(one.pending);
-  record_.ended(*entry, outcome, !told.empty());
-  for (const Waiting& one : waiting)
-    if (clock_.now() >= one.until) std::erase_if(pending_, [&](const Ref<Pending>& p) { return p == one.pending; });
+  int gone = 0;
+  for (const auto& [pending, until] : ended.waiting) {
+    const bool left = !pending.get()->onEnd;
+    if (left) ++gone;
+    if (!left && clock_.now() < until)
+      told.push_back(pending);
+    else
+      std::erase_if(pending_, [&](const Ref<Pending>& p) { return p == pending; });
+  }
+  if (SendRecord::Entry* const entry = record_->find(key)) {
+    record_->left(*entry, gone);
+    record_->ended(*entry, outcome, ended.sending->sent, !told.empty());
+  }
   for (const auto& pending : told) end(*pending.get(), phone::resultCode(outcome));
+}
+
+void ModemPhone::abandoned() {
+  for (const OpenSend& open : sends_)
+    for (const Waiting& one : open.waiting) one.pending.get()->onEnd = nullptr;
 }
 
 void ModemPhone::ask(Wire::Deed deed) {
@@ -264,6 +281,7 @@ void ModemPhone::found(Presence presence) {
   }
   presence_.stored = {};
   connected_ = true;
+  record_->phoneFound();
   removeLeftovers();
   watchers_.tell(true);
 }
@@ -271,8 +289,11 @@ void ModemPhone::found(Presence presence) {
 void ModemPhone::lost() {
   const Hold<ModemPhone> keep(this);
   connected_ = false;
-  record_.lost();
-  sends_.clear();
+  // What was open was not done: with an outcome that is unknown it would have been answered before.
+  for (const OpenSend& open : std::exchange(sends_, {}))
+    if (SendRecord::Entry* const entry = record_->find(open.key))
+      record_->ended(*entry, {Outcome::Kind::NoAnswer}, open.sending->sent, false);
+  record_->phoneLost();
   refreshing_ = {};
   // The askers may hold on to their requests; nothing comes of them any more.
   for (const auto& pending : std::exchange(pending_, {})) pending.get()->work = nullptr;

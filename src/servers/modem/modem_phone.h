@@ -17,8 +17,9 @@ namespace servers::modem {
 
 class ModemPhone final : public handset::Phone {
  public:
-  // `reference` begins the references of long messages.
-  ModemPhone(Scheduler& scheduler, const phone::Clock& clock, std::unique_ptr<Wire> wire, std::uint8_t reference);
+  // `reference` begins the references of long messages. `isHeard`: there is somebody to whom answers can go.
+  ModemPhone(Scheduler& scheduler, const phone::Clock& clock, std::shared_ptr<SendRecord> record,
+             std::function<bool()> isHeard, std::unique_ptr<Wire> wire, std::uint8_t reference);
   ~ModemPhone() override;
 
   platform::String name() override { return name_; }
@@ -29,6 +30,8 @@ class ModemPhone final : public handset::Phone {
   Request list(handset::Store store, std::int32_t filter, OnMessage onMessage, OnEnd onEnd) override;
   Request remove(handset::Store store, std::int16_t index, OnEnd onEnd) override;
   Request send(const handset::OutgoingMessage& message, OnEnd onEnd) override;
+  bool isSending() override { return !sends_.empty(); }
+  void abandoned() override;
   platform::Ref<platform::Counted> watch(OnConnection changed) override {
     return watchers_.add(this, std::move(changed));
   }
@@ -41,8 +44,8 @@ class ModemPhone final : public handset::Phone {
     phone::Instant until;  // nobody listens any more after that
   };
   struct OpenSend {
-    platform::String destination;
-    platform::String text;
+    std::uint64_t key;
+    std::shared_ptr<phone::Sending> sending;  // the line's thread's until it has answered or lost the modem
     std::vector<Waiting> waiting;
   };
   struct Removal {
@@ -70,8 +73,9 @@ class ModemPhone final : public handset::Phone {
   void readSlot(phone::Slot slot);
   void removed(const platform::Ref<Pending>& pending, const std::vector<Removal>& removals);
   void removeLeftovers();
-  void handOver(SendRecord::Entry& entry);
-  void sent(const platform::String& destination, const platform::String& text, const phone::Outcome& outcome);
+  OpenSend* openSend(std::uint64_t key);
+  phone::Outcome handOver(SendRecord::Entry& entry, const handset::OutgoingMessage& message);
+  void sent(std::uint64_t key, const phone::Outcome& outcome);
 
   Scheduler& scheduler_;
   const phone::Clock& clock_;
@@ -80,7 +84,8 @@ class ModemPhone final : public handset::Phone {
   Presence presence_;
   MessageCopy copy_;
   std::array<phone::Instant, 2> refreshed_{};
-  SendRecord record_;
+  std::shared_ptr<SendRecord> record_;
+  std::function<bool()> isHeard_;
   std::list<OpenSend> sends_;
   std::uint8_t reference_;
   std::vector<platform::Ref<Pending>> pending_;

@@ -80,11 +80,16 @@ std::int32_t SmsObject::send(OutgoingMessage message) {
 std::int32_t SmsObject::begun(std::int32_t transaction, Phone::Request request) {
   Pending& pending = pending_[transaction];
   pending.request = std::move(request);
-  pending.holdBack = scheduler_.after(answerHoldBack, [this, transaction] {
+  holdBack(transaction, holdBackTurns);
+  return transaction;
+}
+
+void SmsObject::holdBack(std::int32_t transaction, int turns) {
+  pending_[transaction].holdBack = scheduler_.after(holdBackTurn, [this, transaction, turns] {
+    if (turns > 1) return holdBack(transaction, turns - 1);
     pending_[transaction].returned = true;
     scheduleDelivery();
   });
-  return transaction;
 }
 
 void SmsObject::listed(std::int32_t transaction, const StoredMessage& message) {

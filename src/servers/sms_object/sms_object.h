@@ -10,7 +10,8 @@
 // Answers are delivered one at a time, in the order in which the phone gave them, and never before the request has
 // returned to its caller. Between two processes that takes more than posting: while the caller waits for the return,
 // its thread serves incoming calls, and an event sent right after the return may overtake it. So a request is answered
-// only after a while (answerHoldBack) during which this thread was back in its message loop.
+// only after a while, which is made of several turns of this thread's own timer: on a machine that is too busy to bring
+// the return to its caller, each of the turns comes late as well, and the while grows with the need for it.
 //
 // Unplugging the phone drops what is pending; no answer comes. Requests without a phone are error
 // handset::notConnected.
@@ -29,8 +30,10 @@
 
 namespace servers::sms_object {
 
-// Milliseconds from a request's return to its first answer. A return that is under way takes well under one.
-inline constexpr std::int32_t answerHoldBack = 100;
+// From a request's return to its first answer. A return that is under way takes well under a millisecond.
+inline constexpr int holdBackTurns = 4;
+inline constexpr std::int32_t holdBackTurn = 25;  // milliseconds
+inline constexpr std::int32_t answerHoldBack = holdBackTurns * holdBackTurn;
 
 // Some networks' users leave the product's own placeholder as their service centre: the SIM's own is meant.
 inline constexpr platform::StringView placeholderServiceCentre = u"+46701740699";
@@ -72,6 +75,7 @@ class SmsObject final : public platform::NativeObject {
   void attachPort(const platform::Object& port);
   const platform::Ref<handset::Phone>& phone() const;
   std::int32_t begun(std::int32_t transaction, handset::Phone::Request request);
+  void holdBack(std::int32_t transaction, int turns);
   void listed(std::int32_t transaction, const handset::StoredMessage& message);
   void ended(std::int32_t transaction, std::int32_t result);
   void answer(Answer answer);

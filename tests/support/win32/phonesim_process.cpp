@@ -1,6 +1,5 @@
 #include "support/win32/phonesim_process.h"
 
-#include "support/win32/mail_client_process.h"
 #include "support/win32/piped_process.h"
 
 namespace testing_support {
@@ -25,7 +24,35 @@ std::optional<std::string> PhonesimProcess::awaitLine(std::string_view beginning
   return rest;
 }
 
-void PhonesimProcess::type(std::string_view command) { pipes_->write(std::string(command) + "\n"); }
+int PhonesimProcess::send(std::string_view command) {
+  pipes_->write(std::string(command) + "\n");
+  return ++sent_;
+}
+
+// Answers come in the order of the commands, with notices between them.
+Answer PhonesimProcess::ask(std::string_view command, std::uint32_t milliseconds) {
+  const int number = send(command);
+  Answer answer;
+  const bool came = pipes_->waitFor(milliseconds, [&](const std::vector<std::string>& lines) {
+    int answers = 0;
+    answer = {};
+    for (const std::string& line : lines) {
+      if (line.starts_with("- ")) answer.lines.push_back(line.substr(2));
+      const bool ok = line == "ok" || line.starts_with("ok ");
+      if (!ok && !line.starts_with("error ")) continue;
+      if (++answers == number) {
+        answer.ok = ok;
+        answer.result = line == "ok" ? "" : line.substr(line.find(' ') + 1);
+        return true;
+      }
+      answer.lines.clear();
+    }
+    return false;
+  });
+  if (!came) answer = {false, "no answer", {}};
+  return answer;
+}
+
 void PhonesimProcess::kill() { pipes_->kill(); }
 
 }  // namespace testing_support

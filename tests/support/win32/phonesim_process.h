@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+#include "support/win32/mail_client_process.h"
+
 namespace testing_support {
 
 class PhonesimProcess {
@@ -19,12 +21,16 @@ class PhonesimProcess {
 
   // The rest of the first line that begins like this; nothing when none came in time.
   std::optional<std::string> awaitLine(std::string_view beginning, std::uint32_t milliseconds = 30000);
-  void type(std::string_view command);
+  void type(std::string_view command) { send(command); }
+  Answer ask(std::string_view command, std::uint32_t milliseconds = 30000);
   void kill();
 
  private:
   class Pipes;
+  int send(std::string_view command);
+
   std::unique_ptr<Pipes> pipes_;
+  int sent_ = 0;
 };
 
 }  // namespace testing_support

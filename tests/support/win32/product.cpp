@@ -84,6 +84,7 @@ std::vector<std::string> registerProduct() {
     done.push_back((registerServer(dll) ? "regsvr32 " : "failed: regsvr32 ") + narrow(dll));
   done.push_back((registerServer(workerFile) ? "" : "failed: ") + narrow(workerFile) + " /RegServer");
   setText(HKEY_LOCAL_MACHINE, installationKey, L"SMSCPath", productFolder() + L"\\smsc.txt");
+  setText(HKEY_CURRENT_USER, workerKey, L"Ports", L"sim");
   return done;
 }
 
@@ -93,6 +94,7 @@ std::vector<std::string> unregisterProduct() {
     done.push_back((unregisterServer(dll) ? "regsvr32 /u " : "failed: regsvr32 /u ") + narrow(dll));
   done.push_back((unregisterServer(workerFile) ? "" : "failed: ") + narrow(workerFile) + " /UnregServer");
   removeValue(HKEY_LOCAL_MACHINE, installationKey, L"SMSCPath");
+  removeValue(HKEY_CURRENT_USER, workerKey, L"Ports");
   return done;
 }
 
@@ -148,6 +150,12 @@ void setShortMinute(std::uint32_t milliseconds) {
   setNumber(HKEY_CURRENT_USER, timerKey, L"ShortenMinute", milliseconds);
 }
 void setHandsetStateFile(const std::wstring& path) { setText(HKEY_CURRENT_USER, workerKey, L"StateFile", path); }
+void setPorts(const std::optional<std::wstring>& list) {
+  if (list)
+    setText(HKEY_CURRENT_USER, workerKey, L"Ports", *list);
+  else
+    removeValue(HKEY_CURRENT_USER, workerKey, L"Ports");
+}
 
 class SavedSettings::Key {
  public:
@@ -286,9 +294,6 @@ bool workerRuns() {
   return mutex != nullptr;
 }
 
-namespace {
-
-// COM starts a server that is not there, but Wine then looks for it once a second only.
 void startWorker() {
   if (workerRuns()) return;
   std::wstring command = L"\"" + productFolder() + L"\\dvmworker.exe\" /Embedding";
@@ -301,8 +306,6 @@ void startWorker() {
   CloseHandle(information.hThread);
   CloseHandle(information.hProcess);
 }
-
-}  // namespace
 
 Handset Handset::connect() {
   startWorker();

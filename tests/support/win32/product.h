@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -11,9 +12,9 @@
 
 namespace testing_support {
 
-// Registers every server and the add-in, from the folder of the programs under test, and the sample list of service
-// centres. The lines say what was done; a
-// line that begins with "failed" says what was not.
+// Registers every server and the add-in, from the folder of the programs under test, the sample list of service centres
+// and, as the only phone, the simulated handset. The lines say what was done; a line that begins with "failed" says
+// what was not.
 std::vector<std::string> registerProduct();
 std::vector<std::string> unregisterProduct();
 
@@ -42,6 +43,8 @@ bool installHelpViewer();
 // A value under HKEY_CURRENT_USER; 0 milliseconds or an empty text removes it.
 void setShortMinute(std::uint32_t milliseconds);
 void setHandsetStateFile(const std::wstring& path);
+// Which phones dvmworker.exe looks for, when it starts the next time; nothing removes the value.
+void setPorts(const std::optional<std::wstring>& list);
 
 // The values of all keys that the product and its tests use, put back as they were.
 class SavedSettings {
@@ -119,6 +122,8 @@ class Handset : public platform::Object {
 bool killProcess(std::uint32_t id);
 // Whether dvmworker.exe runs, without starting it.
 bool workerRuns();
+// COM starts a server that is not there, but Wine then looks for it once a second only.
+void startWorker();
 // Kills dvmworker.exe when it runs. COM must be initialised.
 void endWorker();
 

@@ -1,14 +1,13 @@
 // The value "Ports": phones of dvmworker.exe that stand behind lines, with phonesim.exe at the other end.
 
+#include <algorithm>
 #include <cwchar>
 
 #include <gmock/gmock.h>
 
-#include "addin/platform/dvmworkerlib.h"
-#include "registered_servers.h"
 #include "support/errors.h"
 #include "support/win32/phonesim_process.h"
-#include "unit/servers/recording.h"
+#include "system/servers/phone_user.h"
 
 namespace servers_tests {
 namespace {
@@ -18,11 +17,9 @@ using servers_testing::AnswerRecorder;
 using servers_testing::NoticeRecorder;
 using testing_support::errorNumberOf;
 using testing_support::PhonesimProcess;
+using Lines = std::vector<std::string>;
 using Notices = std::vector<NoticeRecorder::Notice>;
 using testing::ElementsAre;
-
-constexpr std::int32_t simCard = 2;
-constexpr std::int32_t everything = 4;
 
 // A process that is watched to its end.
 class Ending {
@@ -47,9 +44,12 @@ class Ending {
 
 class PortsOfUser : public RegisteredServers {
  protected:
-  ~PortsOfUser() override { DeleteFileW(wide(memory_)); }
+  ~PortsOfUser() override {
+    DeleteFileW(wide(memory_));
+    DeleteFileW(wide(traceFile_));
+    RemoveDirectoryW(wide(file_ + u".trace"));
+  }
 
-  static dvmworkerlib::Worker newWorker() { return as<dvmworkerlib::Worker>(create(dvmworkerlib::clsidWorker)); }
   static std::int32_t serverId() { return handset().get<std::int32_t>(u"ProcessId"); }
 
   // A handset with memories that outlive it.
@@ -57,18 +57,37 @@ class PortsOfUser : public RegisteredServers {
     return std::make_unique<PhonesimProcess>(L"--manufacturer Acme --model T1 --memory \"" +
                                              std::wstring(wide(memory_)) + L"\" --listen " + address);
   }
-  static std::vector<std::string> textsOf(const sms_objectlib::SMS& sms) {
-    const auto answers = make<AnswerRecorder>(sms);
-    sms.ListMessages(simCard, everything);
-    serveUntil([&] { return !answers->lines.empty() && answers->lines.back().find(" 0") != std::string::npos; });
-    std::vector<std::string> texts;
-    for (const auto& message : answers->messages)
-      texts.push_back(std::to_string(message.Index()) + " " + testing_support::utf8(message.Originator()) + " " +
-                      testing_support::utf8(message.Text()));
-    return texts;
+  // The same, as the phone of the user.
+  std::unique_ptr<PhonesimProcess> newPhoneInUse() {
+    auto phonesim = newPhone(L"127.0.0.1:0");
+    const std::string address = phonesim->awaitLine("* tcp ").value_or("");
+    EXPECT_NE(address, "");
+    ports_.set(u"tcp:" + String(address.begin(), address.end()));
+    traceFile_ = file_ + u".trace\\tcp_" + String(address.begin(), address.end()) + u".txt";
+    std::replace(traceFile_.begin() + static_cast<std::ptrdiff_t>(file_.size()), traceFile_.end(), u':', u'_');
+    DeleteFileW(wide(traceFile_));
+    return phonesim;
+  }
+  // What the trace's file holds.
+  std::optional<std::string> traced() const {
+    const HANDLE file = CreateFileW(wide(traceFile_), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                    OPEN_EXISTING, 0, nullptr);
+    if (file == INVALID_HANDLE_VALUE) return std::nullopt;
+    std::string text(GetFileSize(file, nullptr), '\0');
+    DWORD read = 0;
+    EXPECT_TRUE(ReadFile(file, text.data(), static_cast<DWORD>(text.size()), &read, nullptr));
+    CloseHandle(file);
+    return text;
+  }
+  static std::int32_t sendHello(const sms_objectlib::SMS& sms) { return send(sms, u"+46702222222", u"Hello"); }
+  static std::string answerToHello(const sms_objectlib::SMS& sms) {
+    return answerTo(sms, [&] { return sendHello(sms); });
   }
 
+  Setting traceFolder_{L"Software\\Marrick\\DVMWorker", L"TraceFolder"};
+  Setting traceTexts_{L"Software\\Marrick\\DVMWorker", L"TraceTexts"};
   String memory_ = file_ + u".phone";
+  String traceFile_;
 };
 
 TEST_F(PortsOfUser, PhoneBehindALine_IsUsedLostAndFoundAgain) {
@@ -110,13 +129,82 @@ TEST_F(PortsOfUser, PhoneBehindALine_IsUsedLostAndFoundAgain) {
     phonesim->kill();
     EXPECT_TRUE(serveUntil([&] { return notices->notices.size() == 1; }));
     EXPECT_FALSE(worker.IsConnected());
-    EXPECT_EQ(errorNumberOf([&] { sms.ListMessages(simCard, everything); }), static_cast<std::int32_t>(0x88880001));
+    EXPECT_EQ(errorNumberOf([&] { sms.ListMessages(simCard, allStatuses); }), static_cast<std::int32_t>(0x88880001));
     phonesim = newPhone(std::wstring(address.begin(), address.end()));
     EXPECT_TRUE(serveUntil([&] { return notices->notices.size() == 2; }));
     EXPECT_EQ(notices->notices, (Notices{{0, phone}, {1, phone}}));
     EXPECT_THAT(textsOf(sms), ElementsAre("2 +46701111111 two"));
   }
   EXPECT_EQ(server.exitCode(), 0u);
+}
+
+TEST_F(PortsOfUser, ServerKilledWhileAMessageIsOnItsWay_DoesNotSendItAgain) {
+  DeleteFileW(wide(memory_));
+  const auto phonesim = newPhoneInUse();
+  phonesim->type("lose 1");
+  const auto first = connectedPhone();
+  const auto answers = make<AnswerRecorder>(first.SMS());
+  sendHello(first.SMS());
+  EXPECT_EQ(phonesim->awaitLine("* sent "), "+46702222222 \"Hello\"");
+  EXPECT_EQ(answers->lines, Lines{});
+  killWorker(handset());
+
+  const auto second = connectedPhone();
+  constexpr const char* unknown = " 2290614482";  // 0x888800D2
+  for (int attempt = 1; attempt <= 3; ++attempt) EXPECT_EQ(answerToHello(second.SMS()), unknown);
+  phonesim->type("sent");
+  EXPECT_EQ(phonesim->awaitLine("ok 1").value_or("none"), "");
+  // Its user has had a report by now; this is somebody who wants it sent.
+  EXPECT_EQ(answerToHello(second.SMS()), " 0");
+  phonesim->type("sent");
+  EXPECT_EQ(phonesim->awaitLine("ok 2").value_or("none"), "");
+}
+
+TEST_F(PortsOfUser, MessageOnItsWayWithoutAClient_IsWaitedForAndItsOutcomeKept) {
+  DeleteFileW(wide(memory_));
+  const auto phonesim = newPhoneInUse();
+  phonesim->type("slow send 7000");
+  const Ending server(serverId());
+  const DWORD start = GetTickCount();
+  sendHello(connectedPhone().SMS());
+  EXPECT_EQ(server.exitCode(), 0u);
+  EXPECT_GE(GetTickCount() - start, 7000u);  // without the message it is gone after four seconds
+  EXPECT_EQ(phonesim->awaitLine("* sent "), "+46702222222 \"Hello\"");
+
+  EXPECT_EQ(answerToHello(connectedPhone().SMS()), " 0");
+  phonesim->type("sent");
+  EXPECT_EQ(phonesim->awaitLine("ok 1").value_or("none"), "");
+}
+
+TEST_F(PortsOfUser, Trace_ShowsTheDialogueWithoutTextsAndNumbersUnlessTheyAreWanted) {
+  DeleteFileW(wide(memory_));
+  const auto phonesim = newPhoneInUse();
+  EXPECT_FALSE(traced().has_value());
+  traceFolder_.set(file_ + u".trace");
+  EXPECT_EQ(answerToHello(connectedPhone().SMS()), " 0");
+  killWorker(handset());
+  const std::string masked = traced().value_or("none");
+  // The time of each line in front.
+  for (const char* const line :
+       {" > AT+CMGF=0\r\n", " < +CPMS: (\"SM\"", " > AT+CMGS=18\r\n", " > <19 octets>\r\n", " < +CMGS: ", " < OK\r\n"})
+    EXPECT_NE(masked.find(line), std::string::npos) << line;
+  EXPECT_EQ(masked.find("C8329BFD06"), std::string::npos);  // Hello
+  EXPECT_EQ(masked.find("2222"), std::string::npos);        // of the number, in either form
+
+  traceTexts_.set(1);
+  const auto sms = connectedPhone().SMS();
+  EXPECT_EQ(answerTo(sms, [&] { return send(sms, u"+46702222222", u"hello"); }), " 0");
+  killWorker(handset());
+  const std::string whole = traced().value_or("none");
+  EXPECT_TRUE(whole.starts_with(masked));
+  EXPECT_NE(whole.find(" > 0001000B916407222222F2000005E8329BFD06"), std::string::npos) << whole;
+}
+
+TEST_F(PortsOfUser, TraceThatCannotBeWritten_DoesNotDisturbThePhone) {
+  DeleteFileW(wide(memory_));
+  const auto phonesim = newPhoneInUse();
+  traceFolder_.set(u"Z:\\no such place\\nor this");
+  EXPECT_EQ(answerToHello(connectedPhone().SMS()), " 0");
 }
 
 TEST_F(PortsOfUser, SeveralPorts_ArePhonesInTheirOrder) {
@@ -162,6 +250,19 @@ class SerialPorts {
  private:
   HKEY key_ = nullptr;
 };
+
+TEST_F(PortsOfUser, MissingValue_MeansTheSerialPortsOfTheSystemAndNeverTheSimulation) {
+  SerialPorts serial;
+  serial.add(L"\\Device\\MarrickTest0", L"COM254");
+  ports_.remove();
+  const Ending server(serverId());
+  {
+    const auto phones = newWorker().CellPhones();
+    ASSERT_EQ(phones.Count(), serial.count());
+    for (std::int32_t i = 0; i < phones.Count(); ++i) EXPECT_NE(phones.Item(i).Name(), u"Simulated handset");
+  }
+  EXPECT_EQ(server.exitCode(), 0u);
+}
 
 TEST_F(PortsOfUser, EmptyValue_MeansTheSerialPortsOfTheSystemAndThoseThatComeLater) {
   SerialPorts serial;

@@ -124,19 +124,23 @@ void Setting::set(const String& text) {
                  static_cast<DWORD>((text.size() + 1) * sizeof(char16_t)));
 }
 
+void Setting::remove() { RegDeleteValueW(key_, name_); }
+
 RegisteredServers::RegisteredServers() {
   OleInitialize(nullptr);
   wchar_t folder[MAX_PATH + 1];
   GetTempPathW(MAX_PATH, folder);
   file_ = String(reinterpret_cast<const char16_t*>(folder)) + u"marrick_servers_test.txt";
   stateFile_.set(file_);
+  sendFile_.set(file_ + u".sends");
+  ports_.set(u"sim");
   endRunningWorker();
-  DeleteFileW(wide(file_));
+  for (const StringView behind : {u"", u".sends"}) DeleteFileW(wide(file_ + String(behind)));
 }
 
 RegisteredServers::~RegisteredServers() {
   endRunningWorker();
-  DeleteFileW(wide(file_));
+  for (const StringView behind : {u"", u".sends"}) DeleteFileW(wide(file_ + String(behind)));
   OleUninitialize();
 }
 

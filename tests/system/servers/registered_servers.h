@@ -41,6 +41,7 @@ class Setting {
 
   void set(DWORD number);
   void set(const platform::String& text);
+  void remove();
 
  private:
   HKEY key_ = nullptr;
@@ -49,8 +50,8 @@ class Setting {
   std::optional<std::vector<BYTE>> before_;
 };
 
-// A test with all servers registered and the handset's memories in a file of its own. A dvmworker.exe that runs when
-// the test begins or ends is ended.
+// A test with all servers registered, and for a phone the simulated handset with its memories in a file of its own. A
+// dvmworker.exe that runs when the test begins or ends is ended.
 class RegisteredServers : public testing::Test {
  protected:
   RegisteredServers();
@@ -62,6 +63,7 @@ class RegisteredServers : public testing::Test {
   static void killWorker(const platform::LateBound& handset);
 
   Setting stateFile_{L"Software\\Marrick\\DVMWorker", L"StateFile"};
+  Setting sendFile_{L"Software\\Marrick\\DVMWorker", L"SendFile"};
   Setting ports_{L"Software\\Marrick\\DVMWorker", L"Ports"};
   Setting minute_{L"Software\\Marrick\\timermm", L"ShortenMinute"};
   platform::String file_;

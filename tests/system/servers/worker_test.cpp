@@ -3,8 +3,8 @@
 #include <set>
 
 #include "addin/platform/dvmworkerlib.h"
-#include "registered_servers.h"
 #include "support/errors.h"
+#include "system/servers/phone_user.h"
 #include "unit/servers/recording.h"
 
 namespace servers_tests {
@@ -18,7 +18,6 @@ using Lines = std::vector<std::string>;
 
 class WorkerServer : public RegisteredServers {
  protected:
-  static dvmworkerlib::Worker newWorker() { return as<dvmworkerlib::Worker>(create(dvmworkerlib::clsidWorker)); }
   static std::string line(std::int32_t transaction, const std::string& rest) {
     return std::to_string(transaction) + rest;
   }

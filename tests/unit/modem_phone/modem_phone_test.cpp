@@ -20,6 +20,7 @@ using platform::Ref;
 using platform::String;
 using platform::StringView;
 using servers::modem::ModemPhone;
+using servers::modem::SendRecord;
 using testing_support::errorNumberOf;
 using testing_support::utf8;
 using Lines = std::vector<std::string>;
@@ -55,15 +56,22 @@ class ModemPhoneTest : public testing::Test {
   ~ModemPhoneTest() override {
     watching = nullptr;
     phone = nullptr;
+    rig.record = nullptr;
     EXPECT_EQ(Counted::census, census);
     EXPECT_EQ(rig.time.pendingWork(), 0u);
   }
 
+  Ref<ModemPhone> newPhone() {
+    if (!rig.record) rig.beginRecord();
+    return platform::make<ModemPhone>(
+        rig.time, rig.clock, rig.record, [this] { return rig.isHeard; }, std::make_unique<RigWire>(rig),
+        std::uint8_t{7});
+  }
   // A phone with such a modem, found and with nothing to do.
   void begin(const std::string& script) {
     rig.plug(script);
     if (!phone) {
-      phone = platform::make<ModemPhone>(rig.time, rig.clock, std::make_unique<RigWire>(rig), std::uint8_t{7});
+      phone = newPhone();
       watching = phone->watch([this](bool connected) { told.push_back(connected); });
     }
     ASSERT_TRUE(rig.step());
@@ -88,6 +96,13 @@ class ModemPhoneTest : public testing::Test {
     rig.time.runDue();
     rig.work();
     return result;
+  }
+  // The server is killed, and another one begins.
+  void restart() {
+    watching = nullptr;
+    phone = nullptr;
+    rig.beginRecord();
+    told.clear();
   }
   // What is answered, once everything is done that is under way; empty when nothing was.
   struct Sent {
@@ -139,7 +154,7 @@ TEST_F(ModemPhoneTest, Found_IsConnectedAndAnswersAtOnce) {
 
 TEST_F(ModemPhoneTest, NotFoundYet_IsAnErrorToAsk) {
   rig.plug("echo off\non AT");
-  phone = platform::make<ModemPhone>(rig.time, rig.clock, std::make_unique<RigWire>(rig), std::uint8_t{7});
+  phone = newPhone();
   EXPECT_FALSE(rig.step());
   EXPECT_FALSE(phone->isConnected());
   EXPECT_EQ(errorNumberOf([&] { phone->storageUsed(Store::Sim); }), notConnected);
@@ -429,12 +444,126 @@ TEST_F(ModemPhoneTest, SimThatIsUnlockedLater_MakesAnotherPhoneOfIt) {
 }
 
 TEST_F(ModemPhoneTest, NothingPluggedIn_IsTriedAgain) {
-  phone = platform::make<ModemPhone>(rig.time, rig.clock, std::make_unique<RigWire>(rig), std::uint8_t{7});
+  phone = newPhone();
   EXPECT_FALSE(rig.step());
   EXPECT_FALSE(rig.step());
   rig.plug("like plain");
   EXPECT_TRUE(rig.step());
   EXPECT_TRUE(phone->isConnected());
+}
+
+TEST_F(ModemPhoneTest, MessageOnItsWay_IsNotedBeforeTheModemHasIt) {
+  begin("like plain");
+  EXPECT_FALSE(phone->isSending());
+  const auto handed = hand(u"hellohello");
+  EXPECT_TRUE(phone->isSending());
+  EXPECT_EQ(rig.letters.size(), 1u);
+  EXPECT_EQ(rig.modem->heard, Lines());
+  EXPECT_NE(rig.notebook.text.find(" open 1 7 0 "), std::string::npos) << rig.notebook.text;
+  rig.work();
+  EXPECT_EQ(handed->result, "0");
+  EXPECT_FALSE(phone->isSending());
+  rig.time.run(SendRecord::settling);
+  EXPECT_EQ(rig.notebook.text, "");
+}
+
+TEST_F(ModemPhoneTest, ServerThatWasKilledWhileSending_DoesNotRepeatTheMessage) {
+  begin("like plain");
+  hand(u"hellohello");
+  restart();
+  begin("like plain");
+  for (int i = 0; i < SendRecord::attempts; ++i) EXPECT_EQ(sent(u"hellohello"), "888800D2");
+  EXPECT_EQ(heardOf("message"), Lines());
+  EXPECT_EQ(sent(u"hellohello"), "0");
+  EXPECT_EQ(heardOf("message").size(), 1u);
+  EXPECT_EQ(sent(u"Hej"), "0");
+}
+
+TEST_F(ModemPhoneTest, SentWhenNobodyWasThereAnyMore_IsSaidToWhoeverAsksNextAlsoAfterARestart) {
+  begin("like plain");
+  const auto first = hand(u"hellohello");
+  rig.isHeard = false;
+  rig.work();
+  EXPECT_EQ(first->result, "");
+  rig.isHeard = true;
+  restart();
+  begin("like plain");
+  EXPECT_EQ(sent(u"hellohello"), "0");
+  EXPECT_EQ(heardOf("message"), Lines());
+  EXPECT_EQ(sent(u"hellohello"), "0");
+  EXPECT_EQ(heardOf("message").size(), 1u);
+}
+
+TEST_F(ModemPhoneTest, AskersThatAreGoneWhenOthersCome_AreToldNothingAndDoNotCount) {
+  begin("like plain\non message *\n  lose\n");
+  const auto first = hand(u"hellohello");
+  phone->abandoned();
+  EXPECT_TRUE(phone->isSending());
+  rig.work();
+  EXPECT_EQ(first->result, "");
+  EXPECT_NE(rig.notebook.text.find(" unknown 0 "), std::string::npos) << rig.notebook.text;
+  // The line is lost, too; from here on it is as with any other.
+  EXPECT_FALSE(rig.step());
+  EXPECT_FALSE(phone->isSending());
+  begin("like plain");
+  for (int i = 0; i < SendRecord::attempts; ++i) EXPECT_EQ(sent(u"hellohello"), "888800D2");
+  EXPECT_EQ(sent(u"hellohello"), "0");
+}
+
+TEST_F(ModemPhoneTest, PartsThatWereSent_AreNotSentAgainAfterARestart) {
+  begin("like busy-network");
+  EXPECT_EQ(sent(String(400, u'x')), "88881026");
+  const Lines before = heardOf("message");
+  ASSERT_EQ(before.size(), 4u);
+  EXPECT_NE(rig.notebook.text.find(" unsent 1 7 2 "), std::string::npos) << rig.notebook.text;
+  restart();
+  begin("like plain");
+  EXPECT_EQ(sent(String(400, u'x')), "0");
+  EXPECT_EQ(heardOf("message"), Lines{before[3]});
+}
+
+TEST_F(ModemPhoneTest, LongMessageBrokenOffBetweenItsParts_GoesOnThere) {
+  begin("like plain\non AT+CMGS=*\n  prompt <CR><LF>><SP>\non AT+CMGS=*\n  lose\n");
+  const auto handed = hand(String(200, u'x'));
+  rig.modem->heard.clear();
+  while (rig.step()) {
+  }
+  const Lines before = heardOf("message");
+  begin("like plain");
+  EXPECT_EQ(sent(String(200, u'x')), "0");
+  EXPECT_EQ(before.size(), 1u);
+  EXPECT_EQ(heardOf("message").size(), 1u);
+  EXPECT_NE(heardOf("message"), before);
+}
+
+TEST_F(ModemPhoneTest, ServiceCentreThatWasChangedAfterARefusal_IsUsed) {
+  begin("like plain\non message *\n  say +CMS ERROR: 330\non message *\n  say +CMGS: 7\n  say OK");
+  EXPECT_EQ(sent(u"hellohello"), "8888114A");
+  const auto request = phone->send({u"+4512345678", u"+46701234567", u"hellohello"}, [](std::int32_t) {});
+  rig.work();
+  const Lines messages = heardOf("message");
+  ASSERT_EQ(messages.size(), 2u);
+  EXPECT_EQ(messages[0], "message 0001000B916407214365F700000AE8329BFD4697D9EC37");
+  EXPECT_EQ(messages[1], "message 06915421436587" + messages[0].substr(messages[0].find(' ') + 3));
+}
+
+TEST_F(ModemPhoneTest, MessageOnItsWayThroughAnotherPhone_IsNotSentByThisOneAsWell) {
+  begin("like plain");
+  const auto handed = hand(u"hellohello");
+  Rig other;
+  other.plug("like plain");
+  Ref<ModemPhone> second = platform::make<ModemPhone>(
+      rig.time, other.clock, rig.record, [] { return true; }, std::make_unique<RigWire>(other), std::uint8_t{9});
+  ASSERT_TRUE(other.step());
+  std::string result;
+  const auto request =
+      second->send({u"", u"+46701234567", u"hellohello"}, [&](std::int32_t code) { result = hex(code); });
+  rig.time.runDue();
+  EXPECT_EQ(result, "888800D2");
+  EXPECT_EQ(other.letters.size(), 0u);
+  rig.work();
+  EXPECT_EQ(handed->result, "0");
+  second = nullptr;
 }
 
 TEST_F(ModemPhoneTest, ReleasedWithEverythingUnderWay_LeavesNothing) {
@@ -444,6 +573,7 @@ TEST_F(ModemPhoneTest, ReleasedWithEverythingUnderWay_LeavesNothing) {
   const auto request = phone->remove(Store::Sim, 1, [](std::int32_t) { ADD_FAILURE(); });
   watching = nullptr;
   phone = nullptr;
+  rig.record = nullptr;
   EXPECT_EQ(rig.time.pendingWork(), 0u);
 }
 

@@ -45,6 +45,27 @@ class RigLine final : public phone::Line {
   const RigClock& clock_;
 };
 
+// What would be a file.
+struct Notebook {
+  std::string text;
+  std::int64_t day = 11000;
+  int saves = 0;
+};
+
+class NotebookNotes final : public servers::modem::SendNotes {
+ public:
+  explicit NotebookNotes(Notebook& notebook) : notebook_(notebook) {}
+  std::string load() override { return notebook_.text; }
+  void save(const std::string& text) noexcept override {
+    notebook_.text = text;
+    ++notebook_.saves;
+  }
+  std::int64_t today() const override { return notebook_.day; }
+
+ private:
+  Notebook& notebook_;
+};
+
 class Rig : public servers::modem::Mailbox {
  public:
   void plug(const std::string& script) {
@@ -74,6 +95,11 @@ class Rig : public servers::modem::Mailbox {
     return there;
   }
 
+  // The record as a server that begins finds it.
+  void beginRecord() {
+    record = std::make_shared<servers::modem::SendRecord>(time, clock, std::make_unique<NotebookNotes>(notebook));
+  }
+
   // Mailbox.
   std::optional<Letter> take() override {
     if (letters.empty()) return std::nullopt;
@@ -87,6 +113,9 @@ class Rig : public servers::modem::Mailbox {
   testing_support::Journal journal;
   testing_support::NativeTime time{journal};
   RigClock clock;
+  Notebook notebook;
+  std::shared_ptr<servers::modem::SendRecord> record;
+  bool isHeard = true;
   std::unique_ptr<ScriptedModem> modem;
   std::unique_ptr<servers::modem::LineWorker> worker;
   std::deque<Letter> letters;

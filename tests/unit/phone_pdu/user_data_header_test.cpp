@@ -77,13 +77,22 @@ TEST(Concatenation, AsAnElement) {
   EXPECT_EQ(elementOf(wide(0x1234, 3, 2)), (HeaderElement{.id = 0x08, .data = {0x12, 0x34, 3, 2}}));
 }
 
-TEST(UserDataHeader, PortsAndNationalTables_AreRecognised) {
+TEST(UserDataHeader, Ports_AreRecognised) {
   EXPECT_TRUE(isForPort(header("04 02 E2 00")));
   EXPECT_TRUE(isForPort(header("00 03 01 02 01 05 04 0B 84 23 F0")));
   EXPECT_FALSE(isForPort(header("00 03 01 02 01")));
-  EXPECT_TRUE(hasNationalTable(header("24 01 01")));
-  EXPECT_TRUE(hasNationalTable(header("25 01 01")));
-  EXPECT_FALSE(hasNationalTable(header("00 03 01 02 01")));
+}
+
+TEST(UserDataHeader, NationalTables_TheLastElementOfItsOwnLengthCounts) {
+  const auto read = [](const char* elements) {
+    return fromSeptets(Septets{0x60, escapeSeptet, 's'}, septetTablesOf(header(elements)));
+  };
+  EXPECT_EQ(read("00 03 01 02 01"), u"¿s");
+  EXPECT_EQ(read("24 01 01"), u"¿ş");
+  EXPECT_EQ(read("25 01 01"), u"çs");
+  EXPECT_EQ(read("25 01 01  00 03 01 02 01  24 01 01"), u"çş");
+  EXPECT_EQ(read("25 01 01  25 01 03"), u"~s");
+  EXPECT_EQ(read("25 01 01  25 02 03 03  25 00"), u"çs");
 }
 
 TEST(UserDataHeader, TooLongElements_AreLeftOutOfWhatIsWritten) {

@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 
 #include "phone/pdu/reader.h"
+#include "phone/text/gsm_alphabet.h"
+#include "phone/text/septets.h"
 #include "unit/phone_pdu/pdu_fixture.h"
 
 namespace phone {
@@ -143,11 +145,15 @@ TEST(ReadUserData, ReservedCodings_AreSevenBit) {
   EXPECT_EQ(read(0xE0, false, 2, "04 16").text, u"Ж");
 }
 
-TEST(ReadUserData, NationalTables_AreReadWithTheDefaultOne) {
+TEST(ReadUserData, NationalTables_AreThoseOfTheHeader) {
   // 24 01 01: Turkish single shift. Three octets of element, one of length: 32 bits and 3 of fill are 5 septets.
   const UserDataHeader turkish{.elements = {{.id = 0x24, .data = {1}}}};
   const UserData written = writeUserData(turkish, u"[kahve]", Alphabet::Gsm7);
   EXPECT_EQ(readUserData(written, DataCoding{}).text, u"[kahve]");
+  Octets octets = octetsOf("03240101");
+  const Octets text = packSeptets(Septets{escapeSeptet, 's', 'i', escapeSeptet, 's', 'e'}, fillBitsAfter(4));
+  octets.insert(octets.end(), text.begin(), text.end());
+  EXPECT_EQ(readUserData({.hasHeader = true, .length = 5 + 6, .octets = octets}, DataCoding{}).text, u"şişe");
 }
 
 TEST(EncodeText, ShortTexts_HaveNoHeader) {

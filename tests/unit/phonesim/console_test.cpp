@@ -104,7 +104,10 @@ TEST_F(ConsoleTest, Faults_ReachTheDialogue) {
   }
   type("AT+CMGS=23\r");
   EXPECT_EQ(answerPrompt(submitPdu), "+CMGS: 1|OK|");
-  EXPECT_THAT(say("sent"), ElementsAre("- +46708251358 \"+46708251358\" \"hellohello\"", "ok 1"));
+  type("AT+CMGS=23\r");
+  EXPECT_EQ(answerPrompt("07916407058099F9" + std::string(submitPdu).substr(2)), "+CMGS: 2|OK|");
+  EXPECT_THAT(say("sent"), ElementsAre("- +46708251358 \"+46708251358\" \"hellohello\"",
+                                       "- +46708251358 \"+46708251358\" \"hellohello\" by +46705008999", "ok 2"));
   say("late 100");
   EXPECT_EQ(ask("AT"), "");
   now += Time{100};

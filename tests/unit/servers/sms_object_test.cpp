@@ -242,6 +242,17 @@ TEST_P(SmsObjectTest, Answer_IsHeldBackUntilWellAfterTheReturn) {
   EXPECT_EQ(answers->lines, (Lines{line(id, " 0")}));
 }
 
+TEST_P(SmsObjectTest, Answer_OnAMachineThatIsLate_IsHeldBackLonger) {
+  const std::int32_t id = sms.ListMessages(1, 4);
+  time.advance(10 * answerHoldBack);
+  time.runDue();
+  EXPECT_EQ(answers->lines, Lines{}) << "the return may be as late as this thread's timer";
+  time.run((holdBackTurns - 1) * holdBackTurn - 1);
+  EXPECT_EQ(answers->lines, Lines{});
+  time.run(1);
+  EXPECT_EQ(answers->lines, (Lines{line(id, " 0")}));
+}
+
 TEST_P(SmsObjectTest, Answer_OfALatePhone_IsNotHeldBackAgain) {
   phone->script(Operation::Remove, {.delay = 2000});
   const std::int32_t id = sms.DeleteMessage(2, 1);

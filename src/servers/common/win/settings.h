@@ -2,9 +2,14 @@
 //
 //   Software\Marrick\timermm     ShortenMinute (DWORD)    test setting: milliseconds that a minute lasts for intervals
 //                                                         of at least a minute; missing or 0: 60000
-//   Software\Marrick\DVMWorker   Ports (text)             which phones there are, see servers/dvmworker/win/ports.h
+//   Software\Marrick\DVMWorker   Ports (text)             which phones there are, see servers/dvmworker/win/ports.h;
+//                                                         missing: those at the serial ports
 //                                StateFile (text)         where the simulated handset keeps its memories; missing:
 //                                                         %APPDATA%\Marrick\handset.txt
+//                                SendFile (text)          where it is noted which messages may have been sent; missing:
+//                                                         %APPDATA%\Marrick\sends.txt
+//                                TraceFolder (text)       where the dialogues with modems are traced; missing: nowhere
+//                                TraceTexts (DWORD)       1: with texts and numbers in it
 //                                NextTransaction (DWORD)  written by sms_object.dll, see TransactionIds
 #pragma once
 

@@ -13,6 +13,7 @@
 #include "com/registration.h"
 #include "servers/common/win/window_scheduler.h"
 #include "servers/dvmworker/handset_control.h"
+#include "servers/dvmworker/idleness.h"
 #include "servers/dvmworker/win/memory_file.h"
 #include "servers/dvmworker/win/ports.h"
 #include "servers/dvmworker/worker.h"
@@ -24,7 +25,6 @@ using namespace platform;
 using namespace servers::dvmworker;
 
 constexpr std::int32_t lookForClientsEvery = 1000;  // milliseconds
-constexpr int looksWithoutClients = 4;
 constexpr std::int32_t lookForPortsEvery = 5000;
 constexpr DWORD waitForTheOneBefore = 5000;
 
@@ -63,6 +63,14 @@ class Server {
            });
   }
 
+  bool isSending() const {
+    const auto& phones = phones_->all();
+    return std::any_of(phones.begin(), phones.end(), [](const auto& phone) { return phone->phone()->isSending(); });
+  }
+  void abandoned() const {
+    for (const auto& phone : phones_->all()) phone->phone()->abandoned();
+  }
+
   const Ref<CellPhones>& phones() const { return phones_; }
   const Ref<handset::SimulatedPhone>& handset() const { return handset_; }
 
@@ -77,7 +85,8 @@ class Server {
   void attach(const phone::LineName& name) {
     const LONG exports = com::liveExports();
     const bool simulated = name.kind == phone::LineName::Kind::Simulated;
-    const Ref<handset::Phone> one = simulated ? Ref<handset::Phone>(handset_) : modemAt(name);
+    const Ref<handset::Phone> one =
+        simulated ? Ref<handset::Phone>(handset_) : modemAt(name, sends_, [this] { return hasClients(); });
     const Object sms = smsObjectOf(one);
     phones_->add(make<CellPhone>(one, sms));
     com::Ptr<IDispatch> dispatch;
@@ -101,6 +110,7 @@ class Server {
   MemoryFile file_;
   Ref<handset::SimulatedPhone> handset_ =
       make<handset::SimulatedPhone>(servers::windowScheduler(), u"Simulated handset", file_.load());
+  std::shared_ptr<servers::modem::SendRecord> sends_ = recordOfSends();
   Ref<CellPhones> phones_ = make<CellPhones>();
   std::vector<Attached> attached_;
   LONG ownExports_ = 0;
@@ -156,16 +166,17 @@ Ref<HandsetControl> makeControl() {
   return make<HandsetControl>(server->handset(), static_cast<std::int32_t>(GetCurrentProcessId()));
 }
 
-// Ends the message loop when there has been no client for a while.
-class Idleness {
+// Ends the message loop when the server may end.
+class EndsWhenIdle {
  public:
-  Idleness() { lookAgain(); }
+  EndsWhenIdle() { lookAgain(); }
 
  private:
   void lookAgain() {
     next_ = servers::windowScheduler().after(lookForClientsEvery, [this] {
-      looks_ = server->hasClients() ? 0 : looks_ + 1;
-      if (looks_ >= looksWithoutClients)
+      const bool hasClients = server->hasClients();
+      if (!hasClients) server->abandoned();
+      if (idleness_.look(hasClients, server->isSending()))
         PostQuitMessage(0);
       else
         lookAgain();
@@ -173,7 +184,7 @@ class Idleness {
   }
 
   Ref<Counted> next_;
-  int looks_ = 0;
+  Idleness idleness_;
 };
 
 void serveMessages() {
@@ -195,7 +206,7 @@ void serve() {
       Offers offered{com::nativeClass<&makeWorker>(dvmworkerlib::clsidWorker),
                      com::nativeClass<&makeControl>(clsidHandset)};
       offers = &offered;
-      const Idleness idleness;
+      const EndsWhenIdle end;
       serveMessages();
     }
     serveWhatWaits();

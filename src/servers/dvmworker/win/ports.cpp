@@ -7,6 +7,8 @@
 #include "phone/line/steady_clock.h"
 #include "servers/common/win/settings.h"
 #include "servers/common/win/window_scheduler.h"
+#include "servers/dvmworker/win/send_file.h"
+#include "servers/dvmworker/win/trace_file.h"
 #include "servers/modem/modem_phone.h"
 #include "servers/modem/win/line_thread.h"
 
@@ -33,9 +35,9 @@ std::string narrow(platform::StringView text) {
 }  // namespace
 
 Ports portsOfUser() {
-  const auto list = settings::text(settings::workerKey, u"Ports");
-  if (!list) return {{*phone::parseLineName("sim")}, false};
-  const phone::LineNames read = phone::parseLineNames(narrow(*list));
+  // Missing is no different from empty: a user who has set nothing yet must not have messages "sent" by a simulation.
+  const auto list = settings::text(settings::workerKey, u"Ports").value_or(platform::String());
+  const phone::LineNames read = phone::parseLineNames(narrow(list));
   Ports ports;
   for (const LineName& name : read.names)
     if (std::find(ports.names.begin(), ports.names.end(), name) == ports.names.end()) ports.names.push_back(name);
@@ -65,12 +67,18 @@ std::vector<LineName> serialPortsOfSystem() {
   return ports;
 }
 
-Ref<handset::Phone> modemAt(const LineName& name) {
+std::shared_ptr<modem::SendRecord> recordOfSends() {
+  return std::make_shared<modem::SendRecord>(windowScheduler(), clockOfLines, std::make_unique<SendFile>());
+}
+
+Ref<handset::Phone> modemAt(const LineName& name, std::shared_ptr<modem::SendRecord> record,
+                            std::function<bool()> isHeard) {
   auto opener = [name] { return phone::openLine(name, clockOfLines.now() + connectLimit); };
   // Anything but what was used a moment ago: a message's parts must not be taken for those of another one.
   const auto reference = static_cast<std::uint8_t>(GetTickCount() / 1000);
-  return platform::make<modem::ModemPhone>(windowScheduler(), clockOfLines,
-                                           modem::makeLineThread(std::move(opener), clockOfLines), reference);
+  return platform::make<modem::ModemPhone>(windowScheduler(), clockOfLines, std::move(record), std::move(isHeard),
+                                           modem::makeLineThread(std::move(opener), clockOfLines, traceOf(name)),
+                                           reference);
 }
 
 }  // namespace servers::dvmworker

@@ -4,15 +4,17 @@
 //   tcp:host:port        a modem that is reached over the network, or phonesim
 //   sim                  the simulated handset
 //
-// Several are separated by blanks, commas or semicolons; what is none of these is passed over. Empty: the serial ports
-// of the system, also those that come later. Missing: the simulated handset.
+// Several are separated by blanks, commas or semicolons; what is none of these is passed over. Empty or missing: the
+// serial ports of the system, also those that come later.
 #pragma once
 
-#include <string>
+#include <functional>
+#include <memory>
 #include <vector>
 
 #include "phone/line/line_name.h"
 #include "servers/handset/phone.h"
+#include "servers/modem/send_record.h"
 
 namespace servers::dvmworker {
 
@@ -24,7 +26,11 @@ struct Ports {
 Ports portsOfUser();
 std::vector<phone::LineName> serialPortsOfSystem();
 
-// A modem there. Not for Kind::Simulated.
-platform::Ref<handset::Phone> modemAt(const phone::LineName& name);
+// What is known of the messages that were sent before, for all phones.
+std::shared_ptr<modem::SendRecord> recordOfSends();
+
+// A modem there. Not for Kind::Simulated. `isHeard` as of modem::ModemPhone.
+platform::Ref<handset::Phone> modemAt(const phone::LineName& name, std::shared_ptr<modem::SendRecord> record,
+                                      std::function<bool()> isHeard);
 
 }  // namespace servers::dvmworker

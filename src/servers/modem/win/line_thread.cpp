@@ -135,10 +135,12 @@ struct Beginning {
   LineWorker::Opener opener;
   const phone::Clock& clock;
   WireEvents events;
+  std::unique_ptr<phone::at::Trace> trace;
 };
 
 void work(Beginning& beginning) {
-  LineWorker worker(std::move(beginning.opener), beginning.clock, *beginning.exchange, std::move(beginning.events));
+  LineWorker worker(std::move(beginning.opener), beginning.clock, *beginning.exchange, std::move(beginning.events),
+                    beginning.trace.get());
   for (DWORD pause = 0; beginning.exchange->wait(pause);)
     pause = com::guardedOr(false, [&] { return worker.step(); }) ? 0 : retryInterval;
 }
@@ -151,8 +153,8 @@ unsigned __stdcall runLine(void* argument) {
 
 class LineThread final : public Wire {
  public:
-  LineThread(LineWorker::Opener opener, const phone::Clock& clock)
-      : opener_(std::move(opener)), clock_(clock), window_(newWindow()) {}
+  LineThread(LineWorker::Opener opener, const phone::Clock& clock, std::unique_ptr<phone::at::Trace> trace)
+      : opener_(std::move(opener)), clock_(clock), trace_(std::move(trace)), window_(newWindow()) {}
   LineThread(const LineThread&) = delete;
   LineThread& operator=(const LineThread&) = delete;
   ~LineThread() override {
@@ -165,7 +167,8 @@ class LineThread final : public Wire {
   void open(WireEvents events) override {
     exchange_ = std::make_shared<Exchange>(window_);
     SetWindowLongPtrW(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(exchange_.get()));
-    auto beginning = std::make_unique<Beginning>(Beginning{exchange_, opener_, clock_, std::move(events)});
+    auto beginning =
+        std::make_unique<Beginning>(Beginning{exchange_, opener_, clock_, std::move(events), std::move(trace_)});
     thread_ = std::make_unique<OwnHandle>(
         reinterpret_cast<HANDLE>(_beginthreadex(nullptr, 0, &runLine, beginning.get(), 0, nullptr)));
     static_cast<void>(beginning.release());  // the thread's now
@@ -200,6 +203,7 @@ class LineThread final : public Wire {
 
   LineWorker::Opener opener_;
   const phone::Clock& clock_;
+  std::unique_ptr<phone::at::Trace> trace_;
   HWND window_;
   std::shared_ptr<Exchange> exchange_;
   std::unique_ptr<OwnHandle> thread_;
@@ -207,8 +211,9 @@ class LineThread final : public Wire {
 
 }  // namespace
 
-std::unique_ptr<Wire> makeLineThread(LineWorker::Opener opener, const phone::Clock& clock) {
-  return std::make_unique<LineThread>(std::move(opener), clock);
+std::unique_ptr<Wire> makeLineThread(LineWorker::Opener opener, const phone::Clock& clock,
+                                     std::unique_ptr<phone::at::Trace> trace) {
+  return std::make_unique<LineThread>(std::move(opener), clock, std::move(trace));
 }
 
 }  // namespace servers::modem

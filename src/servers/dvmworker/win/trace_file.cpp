@@ -1,0 +1,89 @@
+#include "servers/dvmworker/win/trace_file.h"
+
+#include <array>
+#include <cstdio>
+
+#include "com/windows.h"
+#include "servers/common/win/settings.h"
+#include "servers/modem/trace_log.h"
+
+namespace servers::dvmworker {
+
+using platform::String;
+
+namespace {
+
+const wchar_t* widePath(const String& text) { return reinterpret_cast<const wchar_t*>(text.c_str()); }
+
+// Nothing that means something in a path.
+String fileNameOf(const phone::LineName& name) {
+  std::string text = name.device;
+  if (name.kind == phone::LineName::Kind::Tcp) text = "tcp_" + name.device + "_" + name.port;
+  String result;
+  for (const char c : text) {
+    const bool plain = (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '-';
+    result += plain || (c == '.' && !result.empty()) ? static_cast<char16_t>(c) : u'_';
+  }
+  return result;
+}
+
+class FilesOfPort final : public modem::TraceFiles {
+ public:
+  explicit FilesOfPort(const String& path) : paths_{path + u".txt", path + u".1.txt", path + u".2.txt"} {}
+  FilesOfPort(const FilesOfPort&) = delete;
+  FilesOfPort& operator=(const FilesOfPort&) = delete;
+  ~FilesOfPort() override { close(); }
+
+  std::optional<std::uint64_t> open() noexcept override {
+    // Others may read it meanwhile.
+    if (file_ == INVALID_HANDLE_VALUE)
+      file_ = CreateFileW(widePath(paths_[0]), GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_ALWAYS,
+                          FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (file_ == INVALID_HANDLE_VALUE) return std::nullopt;
+    DWORD high = 0;
+    const DWORD low = SetFilePointer(file_, 0, nullptr, FILE_END);
+    static_cast<void>(GetFileSize(file_, &high));
+    return (std::uint64_t{high} << 32) + low;
+  }
+  bool append(std::string_view text) noexcept override {
+    DWORD written = 0;
+    return WriteFile(file_, text.data(), static_cast<DWORD>(text.size()), &written, nullptr) != FALSE;
+  }
+  bool shift(int number) noexcept override {
+    if (number == 0) close();
+    const auto at = static_cast<std::size_t>(number);
+    return MoveFileExW(widePath(paths_[at]), widePath(paths_[at + 1]), MOVEFILE_REPLACE_EXISTING) != FALSE;
+  }
+
+ private:
+  void close() noexcept {
+    if (file_ != INVALID_HANDLE_VALUE) CloseHandle(file_);
+    file_ = INVALID_HANDLE_VALUE;
+  }
+
+  std::array<String, modem::TraceLog::older + 1> paths_;
+  HANDLE file_ = INVALID_HANDLE_VALUE;
+};
+
+std::string stampOfNow() {
+  SYSTEMTIME now;
+  GetLocalTime(&now);
+  char text[32];
+  std::snprintf(text, sizeof text, "%04u-%02u-%02u %02u:%02u:%02u.%03u", now.wYear, now.wMonth, now.wDay, now.wHour,
+                now.wMinute, now.wSecond, now.wMilliseconds);
+  return text;
+}
+
+}  // namespace
+
+std::unique_ptr<phone::at::Trace> traceOf(const phone::LineName& name) {
+  const String folder = settings::text(settings::workerKey, u"TraceFolder").value_or(String());
+  if (folder.empty()) return nullptr;
+  const bool everything = settings::number(settings::workerKey, u"TraceTexts").value_or(0) != 0;
+  CreateDirectoryW(widePath(folder), nullptr);
+  auto log = std::make_shared<modem::TraceLog>(std::make_unique<FilesOfPort>(folder + u'\\' + fileNameOf(name)));
+  return std::make_unique<phone::at::Trace>([log](std::string_view line) { log->write(stampOfNow(), line); },
+                                            everything);
+}
+
+}  // namespace servers::dvmworker
