@@ -129,7 +129,7 @@ std::string_view optionsHelp() {
   --no-tcp               not by TCP
   --terminal             on a pseudo-terminal (not on Windows)
   --link PATH            the same, with a link to it that keeps its name
-  --memory FILE          keeps messages, service centre and what is on its way
+  --memory FILE          keeps messages, phone books, service centre and what is on its way
   --me N, --sm N         slots of phone and SIM (100 and 20); 0: no such memory
   --number NUMBER        its own (+46700000001)
   --centre NUMBER        the service centre that the SIM knows (+46700000000)

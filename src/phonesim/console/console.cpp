@@ -123,6 +123,7 @@ const Console::Command* Console::find(std::u16string_view name) {
       {u"plug", 0, 0, &Console::plug},         {u"network", 1, 1, &Console::network},
       {u"signal", 1, 1, &Console::signal},     {u"sim", 1, 2, &Console::sim},
       {u"wait", 1, 1, &Console::wait},         {u"quit", 0, 0, &Console::quit},
+      {u"contact", 3, 3, &Console::contact},   {u"contacts", 0, 0, &Console::contacts},
   };
   const auto found = std::ranges::find(commands, name, &Command::name);
   return found == std::end(commands) ? nullptr : &*found;
@@ -137,6 +138,8 @@ fill ME|SM [LEAVE]        fills the memory with old messages, but for LEAVE slot
 take ME|SM SLOT           removes a message, as if somebody had deleted it on the phone
 clear ME|SM               removes all
 capacity ME|SM NUMBER     changes the number of slots; 0: there is no such memory
+contact ME|SM NUMBER NAME  adds an entry to the phone book; NAME has at most 18 letters
+contacts                  what is in the phone books
 sent [clear]              what was sent since the start, and by which service centre; or forgets it
 centre NUMBER             the service centre that the SIM knows; "" for none
 fail OPERATION [COUNT [ERROR]]  the next operations fail with that +CMS ERROR; send, list, read, write, delete
@@ -229,6 +232,30 @@ std::string Console::list(const Words& words) {
     for (const auto& [slot, message] : handset_.memories().at(place).slots) {
       tell(toUtf8(name) + ' ' + std::to_string(slot) + ' ' + nameIn(message.status, statuses) + ' ' +
            describe(message.pdu));
+      ++count;
+    }
+  }
+  return std::to_string(count);
+}
+
+std::string Console::contact(const Words& words) {
+  const Place place = oneOf(words[1], places);
+  const auto number = phone::parseNumber(words[2]);
+  if (!number) throw ConsoleError(inQuotes(words[2]) + " is no number");
+  if (words[3].size() > longestName) throw ConsoleError(inQuotes(words[3]) + " is too long");
+  PhoneBook& book = handset_.contacts(place);
+  const auto index = book.freeIndex();
+  if (!index) throw ConsoleError("the phone book is full");
+  book.put(*index, {toUtf8(phone::shown(*number)), words[3]});
+  handset_.changed();
+  return toUtf8(words[1]) + ' ' + std::to_string(*index);
+}
+
+std::string Console::contacts(const Words&) {
+  int count = 0;
+  for (const auto& [name, place] : places) {
+    for (const auto& [index, entry] : handset_.contacts(place).entries()) {
+      tell(toUtf8(name) + ' ' + std::to_string(index) + ' ' + entry.number + ' ' + inQuotes(entry.name));
       ++count;
     }
   }

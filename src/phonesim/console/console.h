@@ -60,6 +60,8 @@ class Console {
   std::string status(const Words& words);
   std::string list(const Words& words);
   std::string sent(const Words& words);
+  std::string contact(const Words& words);
+  std::string contacts(const Words& words);
   std::string deliver(const Words& words);
   std::string deliverPdu(const Words& words);
   std::string store(const Words& words);

@@ -7,8 +7,9 @@ namespace phonesim {
 
 namespace {
 
-std::array<std::span<const Command>, 5> tables() {
-  return {basicCommands(), generalCommands(), messageCommands(), messageSettingCommands(), phoneBookCommands()};
+std::array<std::span<const Command>, 6> tables() {
+  return {basicCommands(),          generalCommands(),   messageCommands(),
+          messageSettingCommands(), phoneBookCommands(), serviceCommands()};
 }
 
 // What a SIM that does not work makes of a command that needs it.

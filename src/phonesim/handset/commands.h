@@ -35,11 +35,12 @@ std::vector<std::string_view> commandNames();
 // Runs one command, with the refusals that all have in common.
 Result run(const Call& call);
 
-// The tables: basic commands, TS 27.007, TS 27.005, and the phone book of TS 27.007.
+// The tables: basic commands, TS 27.007, TS 27.005, phone book and services of TS 27.007.
 std::span<const Command> basicCommands();
 std::span<const Command> generalCommands();
 std::span<const Command> messageCommands();
 std::span<const Command> messageSettingCommands();
 std::span<const Command> phoneBookCommands();
+std::span<const Command> serviceCommands();
 
 }  // namespace phonesim

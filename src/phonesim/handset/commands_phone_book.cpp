@@ -81,7 +81,6 @@ Result readEntries(const Call& call) {
   const auto last = first ? call.command.numberAt(1, *first, chosen.size, *first) : std::nullopt;
   if (!last) return Result::cme(cme::invalidIndex);
   const auto& entries = chosen.book->entries();
-  if (call.command.count() == 1 && !entries.contains(*first)) return Result::cme(cme::notFound);
   for (auto entry = entries.lower_bound(*first); entry != entries.end() && entry->first <= *last; ++entry)
     tellEntry(call, entry->first, entry->second);
   return Result::ok();

@@ -164,21 +164,40 @@ void Handset::report(const phone::Message& message, std::uint8_t reference) {
 }
 
 void Handset::insertSim(std::string pin) {
-  pin_ = std::move(pin);
+  asksForPin_ = !pin.empty();
+  pin_ = asksForPin_ ? std::move(pin) : std::string(usualPin);
   triesLeft_ = pinTries;
-  sim_ = pin_.empty() ? SimState::Ready : SimState::PinNeeded;
+  sim_ = asksForPin_ ? SimState::PinNeeded : SimState::Ready;
   deliverWaiting();
 }
 
-bool Handset::enterPin(const std::string& pin) {
+// Counts.
+bool Handset::isPin(const std::string& pin) {
   if (pin == pin_) {
     triesLeft_ = pinTries;
-    sim_ = SimState::Ready;
-    deliverWaiting();
     return true;
   }
   if (--triesLeft_ == 0) sim_ = SimState::PukNeeded;
   return false;
+}
+
+bool Handset::enterPin(const std::string& pin) {
+  if (!isPin(pin)) return false;
+  sim_ = SimState::Ready;
+  deliverWaiting();
+  return true;
+}
+
+bool Handset::lockSim(bool lock, const std::string& pin) {
+  if (!isPin(pin)) return false;
+  asksForPin_ = lock;
+  return true;
+}
+
+bool Handset::changePin(const std::string& pin, std::string newPin) {
+  if (!isPin(pin)) return false;
+  pin_ = std::move(newPin);
+  return true;
 }
 
 bool Handset::enterPuk(const std::string& entered, std::string newPin) {

@@ -138,6 +138,12 @@ class Handset {
   void removeSim() { sim_ = SimState::Absent; }
   bool enterPin(const std::string& pin);
   bool enterPuk(const std::string& puk, std::string newPin);
+  bool asksForPin() const { return asksForPin_; }
+  // Both want the present PIN, also of a SIM that asks for none. Three wrong ones in a row, and it wants the PUK.
+  bool lockSim(bool lock, const std::string& pin);
+  bool changePin(const std::string& pin, std::string newPin);
+
+  static constexpr std::string_view usualPin = "0000";
 
   // Every port, for as long as it lives.
   void attach(Port& port) { ports_.push_back(&port); }
@@ -147,6 +153,7 @@ class Handset {
   static constexpr std::string_view puk = "12345678";
 
  private:
+  bool isPin(const std::string& pin);
   std::optional<Arrival> arrive(const Octets& pdu);
   void report(const phone::Message& message, std::uint8_t reference);
 
@@ -158,7 +165,8 @@ class Handset {
   const Port* acknowledges_ = nullptr;  // has the message that nobody has acknowledged yet
   View arrivals_ = View::Both;
   SimState sim_ = SimState::Ready;
-  std::string pin_;
+  std::string pin_{usualPin};
+  bool asksForPin_ = false;
   int triesLeft_ = 3;
   Registration registration_ = Registration::Home;
   int signal_ = 23;

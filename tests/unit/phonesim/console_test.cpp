@@ -78,6 +78,17 @@ TEST_F(ConsoleTest, Store_PutsAnyPdu) {
   EXPECT_EQ(handset.memories().at(Place::Sim).slots.at(1).pdu, octets(deliverPdu));
 }
 
+TEST_F(ConsoleTest, Contacts_AreWhatAHostReads) {
+  EXPECT_THAT(say("contact SM +4670-1 \"Anna B\""), ElementsAre("ok SM 1"));
+  EXPECT_THAT(say("contact ME 0702 Bo"), ElementsAre("ok ME 1"));
+  EXPECT_TRUE(handset.takeChanged());
+  EXPECT_EQ(ask("AT+CPBR=1"), "+CPBR: 1,\"+46701\",145,\"Anna B\"|OK|");
+  EXPECT_THAT(say("contacts"), ElementsAre("- ME 1 0702 \"Bo\"", "- SM 1 +46701 \"Anna B\"", "ok 2"));
+  EXPECT_THAT(say("contact SM x Anna"), ElementsAre("error \"x\" is no number"));
+  EXPECT_THAT(say("contact SM 1 1234567890123456789"), ElementsAre("error \"1234567890123456789\" is too long"));
+  EXPECT_THAT(say("contact SM 1"), ElementsAre("error contact: wrong number of words; try help"));
+}
+
 TEST_F(ConsoleTest, Capacity_DoesNotCutMessagesOff) {
   say("fill SM");
   EXPECT_THAT(say("capacity SM 2"), ElementsAre("error there is a message in slot 3"));

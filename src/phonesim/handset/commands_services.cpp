@@ -1,0 +1,160 @@
+// What the network does besides messages, and the SIM's lock (3GPP TS 27.007, 6, 7 and 8.18): a handset without calls
+// takes the settings, and refuses what would need a network.
+#include <algorithm>
+#include <array>
+
+#include "phonesim/handset/commands.h"
+
+namespace phonesim {
+
+namespace {
+
+constexpr Result servicesUnsupported = {Result::Kind::Error, ErrorFamily::Equipment, cme::operationNotSupported};
+constexpr Result servicesIncorrect = {Result::Kind::Error, ErrorFamily::Equipment, cme::incorrectParameters};
+
+// A switch for something that never comes: a caller's number, a service message. `state` is what the network says of
+// it, behind the switch.
+Result announcement(const Call& call, int& value, const char* state) {
+  const std::string name = call.command.name + ": ";
+  if (call.command.form == Form::Test) call.answer.line(name + "(0,1)");
+  if (call.command.form == Form::Read) call.answer.line(name + std::to_string(value) + state);
+  if (call.command.form == Form::Test || call.command.form == Form::Read) return Result::ok();
+  if (call.command.form == Form::Execute) return servicesUnsupported;
+  const auto wanted = call.command.count() == 1 ? call.command.numberAt(0, 0, 1) : std::nullopt;
+  if (!wanted) return servicesIncorrect;
+  value = *wanted;
+  return Result::ok();
+}
+
+Result callerNumber(const Call& call) { return announcement(call, call.settings().services.caller, ",1"); }
+Result calledNumber(const Call& call) { return announcement(call, call.settings().services.called, ",1"); }
+Result ringDetails(const Call& call) { return announcement(call, call.settings().services.ring, ""); }
+Result notices(const Call& call) {
+  auto& [caller, called, ring, codes, own, other] = call.settings().services;
+  if (call.command.form == Form::Test) call.answer.line("+CSSN: (0,1),(0,1)");
+  if (call.command.form == Form::Read) call.answer.line("+CSSN: " + std::to_string(own) + ',' + std::to_string(other));
+  if (call.command.form == Form::Test || call.command.form == Form::Read) return Result::ok();
+  const auto first = call.command.numberAt(0, 0, 1, own), second = call.command.numberAt(1, 0, 1, other);
+  if (call.command.form != Form::Set || !first || !second || call.command.count() > 2) return servicesIncorrect;
+  own = *first;
+  other = *second;
+  return Result::ok();
+}
+
+// Codes such as *100#: they may be wanted; there is nobody to send them to.
+Result serviceCodes(const Call& call) {
+  int& value = call.settings().services.codes;
+  if (call.command.form == Form::Test) call.answer.line("+CUSD: (0-2)");
+  if (call.command.form == Form::Read) call.answer.line("+CUSD: " + std::to_string(value));
+  if (call.command.form == Form::Test || call.command.form == Form::Read) return Result::ok();
+  constexpr int cancel = 2;
+  const auto wanted = call.command.form == Form::Set ? call.command.numberAt(0, 0, cancel, value) : std::nullopt;
+  if (!wanted) return servicesIncorrect;
+  if (call.command.count() > 1) return servicesUnsupported;
+  if (*wanted != cancel) value = *wanted;
+  return Result::ok();
+}
+
+// ---- the SIM's lock ----
+
+// The others are the network's, which knows nothing of them here: they are off, and stay so.
+constexpr std::array<std::string_view, 6> facilities{"SC", "AO", "OI", "OX", "AI", "IR"};
+
+enum Mode { unlock = 0, lock = 1, query = 2 };
+
+Result facilityLock(const Call& call) {
+  if (call.command.form == Form::Test) {
+    std::string names;
+    for (const std::string_view name : facilities) names += (names.empty() ? "\"" : ",\"") + std::string(name) + '"';
+    call.answer.line("+CLCK: (" + names + ')');
+    return Result::ok();
+  }
+  if (call.command.form != Form::Set) return servicesUnsupported;
+  const auto& arguments = call.command.arguments;
+  const auto mode = call.command.numberAt(1, unlock, query);
+  if (!mode || arguments.size() > 4) return servicesIncorrect;
+  const auto found = std::ranges::find(facilities, arguments[0].text);
+  if (found == facilities.end()) return servicesUnsupported;
+  const bool sim = *found == facilities.front();
+  Handset& handset = call.handset();
+  if (*mode == query) {
+    call.answer.line(std::string("+CLCK: ") + (sim && handset.asksForPin() ? '1' : '0'));
+    return Result::ok();
+  }
+  if (!sim) return Result::cme(cme::operationNotAllowed);
+  if (arguments.size() < 3) return servicesIncorrect;
+  return handset.lockSim(*mode == lock, arguments[2].text) ? Result::ok() : Result::cme(cme::incorrectPassword);
+}
+
+Result changePassword(const Call& call) {
+  constexpr std::size_t longestPin = 8;
+  if (call.command.form == Form::Test) {
+    call.answer.line("+CPWD: (\"SC\"," + std::to_string(longestPin) + ')');
+    return Result::ok();
+  }
+  if (call.command.form != Form::Set) return servicesUnsupported;
+  const auto& arguments = call.command.arguments;
+  if (arguments[0].text != facilities.front()) return servicesUnsupported;
+  constexpr std::size_t shortestPin = 4;
+  if (arguments.size() != 3 || arguments[2].text.size() < shortestPin || arguments[2].text.size() > longestPin)
+    return servicesIncorrect;
+  // A PIN can be changed while it is asked for.
+  if (!call.handset().asksForPin()) return Result::cme(cme::operationNotAllowed);
+  return call.handset().changePin(arguments[1].text, arguments[2].text) ? Result::ok()
+                                                                        : Result::cme(cme::incorrectPassword);
+}
+
+// Nobody's calls are sent on.
+Result callForwarding(const Call& call) {
+  if (call.command.form == Form::Test) {
+    call.answer.line("+CCFC: (0-5)");
+    return Result::ok();
+  }
+  if (call.command.form != Form::Set) return servicesUnsupported;
+  if (!call.command.numberAt(0, 0, 5) || !call.command.numberAt(1, 0, 4)) return servicesIncorrect;
+  if (call.command.numberAt(1, 0, 4) != query) return Result::cme(cme::operationNotAllowed);
+  call.answer.line("+CCFC: 0,7");
+  return Result::ok();
+}
+
+Result callWaiting(const Call& call) {
+  if (call.command.form == Form::Test) call.answer.line("+CCWA: (0,1)");
+  if (call.command.form == Form::Test) return Result::ok();
+  if (call.command.form != Form::Set) return servicesUnsupported;
+  if (call.command.numberAt(1, 0, 2) != query) return Result::cme(cme::operationNotAllowed);
+  call.answer.line("+CCWA: 0,7");
+  return Result::ok();
+}
+
+// Whether the number is shown to who is called: as the network has it.
+Result ownNumberShown(const Call& call) {
+  if (call.command.form == Form::Test) call.answer.line("+CLIR: (0)");
+  if (call.command.form == Form::Read) call.answer.line("+CLIR: 0,0");
+  if (call.command.form == Form::Test || call.command.form == Form::Read) return Result::ok();
+  return call.command.numberAt(0, 0, 0) ? Result::ok() : servicesUnsupported;
+}
+
+// There are none.
+Result currentCalls(const Call& call) {
+  return call.command.form == Form::Execute || call.command.form == Form::Test ? Result::ok() : servicesUnsupported;
+}
+
+constexpr std::array services{
+    Command{"+CLIP", callerNumber, true},
+    Command{"+COLP", calledNumber, true},
+    Command{"+CRC", ringDetails},
+    Command{"+CLIR", ownNumberShown, true},
+    Command{"+CSSN", notices},
+    Command{"+CUSD", serviceCodes, true},
+    Command{"+CLCK", facilityLock, true},
+    Command{"+CPWD", changePassword, true},
+    Command{"+CCFC", callForwarding, true},
+    Command{"+CCWA", callWaiting, true},
+    Command{"+CLCC", currentCalls},
+};
+
+}  // namespace
+
+std::span<const Command> serviceCommands() { return services; }
+
+}  // namespace phonesim
