@@ -110,6 +110,19 @@ class Joining::State {
     if (!std::ranges::all_of(groups, markHandedOver)) regroup();
   }
 
+  void takeBack(const JoinedMessage& message) {
+    for (std::size_t at = 0; at < message.slots.size(); ++at) {
+      const auto found = parts_.find(message.slots[at]);
+      if (found == parts_.end() || found->second.sequence != message.contents[at]) continue;
+      Part& part = found->second;
+      if (part.handedOver == 0 || part.deletion != 0) continue;
+      part.handedOver = 0;
+      part.unread = true;
+      known_.erase(part.slot);
+    }
+    regroup();
+  }
+
   std::vector<Slot> slotsToDelete(Slot slot) const {
     const Group* group = groupWith(slot);
     if (group == nullptr || !mayBeDeleted(*group, slot)) return {};
@@ -244,6 +257,7 @@ void Joining::update(Memory memory, std::span<const StoredPdu> listing, Instant 
 std::vector<JoinedMessage> Joining::messages(Instant now) const { return state_->messages(now); }
 std::optional<Joining::Instant> Joining::nextDue(Instant now) const { return state_->nextDue(now); }
 void Joining::handedOver(const JoinedMessage& message) { state_->handedOver(message); }
+void Joining::takeBack(const JoinedMessage& message) { state_->takeBack(message); }
 std::vector<Slot> Joining::slotsToDelete(Slot slot) const { return state_->slotsToDelete(slot); }
 std::string Joining::pdu(Slot slot) const { return state_->pdu(slot); }
 void Joining::deleted(Slot slot) { state_->deleted(slot); }

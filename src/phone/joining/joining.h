@@ -70,6 +70,9 @@ class Joining {
   // among what was handed over.
   void handedOver(const JoinedMessage& message);
 
+  // It did not arrive: this message, as messages() gave it then or later, was not handed over and is unread.
+  void takeBack(const JoinedMessage& message);
+
   // The slots to delete, in this order, when the message with that slot is to go; of a deletion that was begun, those
   // that are left. Empty when there is no message, when it is a long one that was not handed over, or when another
   // message was handed over from that slot and is gone.

@@ -69,6 +69,9 @@ class Phone : public platform::Counted {
   // Calls `onMessage` for every message with that status (or allStatuses), then `onEnd`. Listed unread messages are
   // read from then on, as far as the phone is concerned.
   [[nodiscard]] virtual Request list(Store store, std::int32_t filter, OnMessage onMessage, OnEnd onEnd) = 0;
+  // A message that was listed as unread has not reached whoever asked: it is unread again. Also of a phone that is not
+  // connected.
+  virtual void giveBack(const StoredMessage& message) = 0;
   // Result emptySlot when there is nothing in that slot.
   [[nodiscard]] virtual Request remove(Store store, std::int16_t index, OnEnd onEnd) = 0;
   [[nodiscard]] virtual Request send(const OutgoingMessage& message, OnEnd onEnd) = 0;

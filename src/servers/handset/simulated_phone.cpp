@@ -133,6 +133,17 @@ void SimulatedPhone::listNext(Pending& listing) {
   if (const OnMessage onMessage = listing.onMessage) onMessage(message);
 }
 
+void SimulatedPhone::giveBack(const StoredMessage& message) {
+  Memory& memory = memoryOf(message.store);
+  const auto slot = memory.slots.find(message.index);
+  if (slot == memory.slots.end()) return;
+  StoredMessage listed = slot->second;
+  listed.status = message.status;
+  if (listed != message) return;
+  slot->second = listed;
+  changed();
+}
+
 Phone::Request SimulatedPhone::remove(Store store, std::int16_t index, OnEnd onEnd) {
   return begin(Operation::Remove, std::move(onEnd), [this, store, index](Pending&) {
     if (!supportedMemory(store)) return invalidStore;

@@ -34,6 +34,7 @@ class SimulatedPhone final : public Phone {
   std::int16_t storageCapacity(Store store) override;
   std::int16_t storageUsed(Store store) override;
   Request list(Store store, std::int32_t filter, OnMessage onMessage, OnEnd onEnd) override;
+  void giveBack(const StoredMessage& message) override;
   Request remove(Store store, std::int16_t index, OnEnd onEnd) override;
   Request send(const OutgoingMessage& message, OnEnd onEnd) override;
   platform::Ref<platform::Counted> watch(OnConnection changed) override {

@@ -77,6 +77,16 @@ StoredMessage MessageCopy::shown(const JoinedMessage& message) {
           message.timeStamp ? phone::twelveDigits(*message.timeStamp) : platform::String()};
 }
 
+void MessageCopy::takeBack(const StoredMessage& message) {
+  if (message.status != handset::Status::ReceivedUnread) return;
+  // Handed over messages are there at any time.
+  for (const JoinedMessage& present : joining_.messages({})) {
+    StoredMessage listed = shown(present);
+    listed.status = message.status;
+    if (present.handedOver && listed == message) joining_.takeBack(present);
+  }
+}
+
 std::vector<MessageCopy::Deletion> MessageCopy::toDelete(Slot slot) const {
   return withPdus(joining_.slotsToDelete(slot));
 }

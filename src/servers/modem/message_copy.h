@@ -37,6 +37,8 @@ class MessageCopy {
   // As whoever asks for it sees it.
   static handset::StoredMessage shown(const phone::JoinedMessage& message);
   void handedOver(const phone::JoinedMessage& message) { joining_.handedOver(message); }
+  // It did not get there: that message, as it was shown, is to be handed over as unread once more.
+  void takeBack(const handset::StoredMessage& message);
 
   // What has to go with the message in that slot; nothing when none was handed over from there.
   std::vector<Deletion> toDelete(phone::Slot slot) const;

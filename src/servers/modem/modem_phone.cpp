@@ -85,10 +85,14 @@ Memory ModemPhone::memoryOfStore(Store store) const {
   return *memory;
 }
 
+std::optional<Memory> ModemPhone::supportedMemory(Store store) const {
+  const auto memory = memoryOf(store);
+  return memory && isSupported(*memory) ? memory : std::nullopt;
+}
+
 bool ModemPhone::isStorageSupported(Store store) {
   requireConnected();
-  const auto memory = memoryOf(store);
-  return memory && isSupported(*memory);
+  return supportedMemory(store).has_value();
 }
 
 std::int16_t ModemPhone::storageCapacity(Store store) {
@@ -125,8 +129,8 @@ void ModemPhone::end(Pending& pending, std::int32_t result) {
 Phone::Request ModemPhone::list(Store store, std::int32_t filter, OnMessage onMessage, OnEnd onEnd) {
   requireConnected();
   const auto pending = begin(std::move(onEnd));
-  const auto memory = memoryOf(store);
-  if (!memory || !isSupported(*memory)) {
+  const auto memory = supportedMemory(store);
+  if (!memory) {
     endLater(*pending.get(), handset::invalidStore);
     return asked(pending);
   }
@@ -152,11 +156,13 @@ void ModemPhone::listNext(Pending& listing) {
   onMessage(MessageCopy::shown(message));
 }
 
+void ModemPhone::giveBack(const handset::StoredMessage& message) { copy_.takeBack(message); }
+
 Phone::Request ModemPhone::remove(Store store, std::int16_t index, OnEnd onEnd) {
   requireConnected();
   const auto pending = begin(std::move(onEnd));
-  const auto memory = memoryOf(store);
-  if (!memory || !isSupported(*memory)) {
+  const auto memory = supportedMemory(store);
+  if (!memory) {
     endLater(*pending.get(), handset::invalidStore);
     return asked(pending);
   }

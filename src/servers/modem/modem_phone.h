@@ -28,6 +28,7 @@ class ModemPhone final : public handset::Phone {
   std::int16_t storageCapacity(handset::Store store) override;
   std::int16_t storageUsed(handset::Store store) override;
   Request list(handset::Store store, std::int32_t filter, OnMessage onMessage, OnEnd onEnd) override;
+  void giveBack(const handset::StoredMessage& message) override;
   Request remove(handset::Store store, std::int16_t index, OnEnd onEnd) override;
   Request send(const handset::OutgoingMessage& message, OnEnd onEnd) override;
   bool isSending() override { return !sends_.empty(); }
@@ -56,6 +57,7 @@ class ModemPhone final : public handset::Phone {
   void terminate() noexcept override;
   void requireConnected() const;
   phone::Memory memoryOfStore(handset::Store store) const;
+  std::optional<phone::Memory> supportedMemory(handset::Store store) const;
   bool isSupported(phone::Memory memory) const { return presence_.supported[static_cast<std::size_t>(memory)]; }
 
   platform::Ref<Pending> begin(OnEnd onEnd);

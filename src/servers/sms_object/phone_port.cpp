@@ -32,6 +32,7 @@ std::span<const Member> PhonePort::members() const {
       method<&PhonePort::remove>(u"Remove", 7),
       method<&PhonePort::send>(u"Send", 8),
       method<&PhonePort::forget>(u"Forget", 9),
+      method<&PhonePort::giveBack>(u"GiveBack", 10),
   };
   return table;
 }
@@ -66,6 +67,11 @@ std::int32_t PhonePort::send(const String& serviceCentre, const String& destinat
   return request;
 }
 
+void PhonePort::giveBack(Store store, std::int16_t index, const String& number, const String& text,
+                         const String& timeStamp) {
+  phone_->giveBack({store, index, handset::Status::ReceivedUnread, number, text, timeStamp});
+}
+
 struct PortPhone::Forgetting final : Counted {
   Forgetting(PortPhone* p, std::int32_t r) : phone(p), request(r) {}
   ~Forgetting() override { phone.get()->forget(request); }
@@ -82,6 +88,10 @@ PortPhone::PortPhone(const Object& port)
 Phone::Request PortPhone::list(Store store, std::int32_t filter, OnMessage onMessage, OnEnd onEnd) {
   return ask([&] { return port_->call<std::int32_t>(u"List", store, filter); },
              {std::move(onMessage), std::move(onEnd)});
+}
+
+void PortPhone::giveBack(const StoredMessage& m) {
+  port_->call<void>(u"GiveBack", m.store, m.index, m.number, m.text, m.timeStamp);
 }
 
 Phone::Request PortPhone::remove(Store store, std::int16_t index, OnEnd onEnd) {

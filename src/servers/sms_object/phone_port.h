@@ -4,6 +4,7 @@
 //   Name, IsConnected                                    as of Phone
 //   IsStorageSupported(store), StorageCapacity(store), StorageUsed(store)
 //   List(store, filter), Remove(store, index), Send(serviceCentre, destination, text)   return a request number
+//   GiveBack(store, index, number, text, timeStamp)      as of Phone
 //   Forget(request)                                      its events are no longer wanted
 //   [event] Message(request, store, index, status, number, text, timeStamp)
 //   [event] End(request, result)
@@ -49,6 +50,8 @@ class PhonePort final : public platform::NativeObject {
   std::int32_t remove(handset::Store store, std::int16_t index);
   std::int32_t send(const platform::String& serviceCentre, const platform::String& destination,
                     const platform::String& text);
+  void giveBack(handset::Store store, std::int16_t index, const platform::String& number, const platform::String& text,
+                const platform::String& timeStamp);
   void forget(std::int32_t request) { requests_.erase(request); }
   handset::Phone::OnEnd whenEnded(std::int32_t request);
 
@@ -79,6 +82,7 @@ class PortPhone final : public handset::Phone {
   }
   std::int16_t storageUsed(handset::Store store) override { return port_->call<std::int16_t>(u"StorageUsed", store); }
   Request list(handset::Store store, std::int32_t filter, OnMessage onMessage, OnEnd onEnd) override;
+  void giveBack(const handset::StoredMessage& message) override;
   Request remove(handset::Store store, std::int16_t index, OnEnd onEnd) override;
   Request send(const handset::OutgoingMessage& message, OnEnd onEnd) override;
   platform::Ref<platform::Counted> watch(OnConnection changed) override {

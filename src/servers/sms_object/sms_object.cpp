@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "addin/platform/on_error.h"
 #include "servers/sms_object/phone_port.h"
 
 namespace servers::sms_object {
@@ -59,10 +60,19 @@ void SmsObject::phoneLost() {
   for (const Answer& outcome : outcomes) deliver(outcome);
 }
 
+// What was listed as unread and was not delivered must not be taken for read.
 void SmsObject::dropEverything() noexcept {
+  onErrorResumeNext([&] {
+    for (const Answer& one : std::exchange(answers_, {})) giveBack(one.message);
+    for (const auto& [transaction, pending] : pending_) giveBack(pending.listed);
+  });
   pending_.clear();
   answers_.clear();
   delivery_ = nullptr;
+}
+
+void SmsObject::giveBack(const std::optional<StoredMessage>& message) {
+  if (message && message->status == handset::Status::ReceivedUnread) phone_->giveBack(*message);
 }
 
 const Ref<Phone>& SmsObject::phone() const {

@@ -145,28 +145,53 @@ TEST_F(LostPhone, KilledWhileItsMemoriesAreRead_LosesAndDoublesNothing) {
   EXPECT_EQ(bodies("Inbox"), texts);
 }
 
-// The add-in asks for the messages, and the phone goes in the middle of the answers.
-TEST_F(LostPhone, KilledWhileTheAddInReceives_BringsTheRestAfterwards) {
-  start();
-  constexpr std::size_t many = 30;
-  phone("capacity SM 100");
-  for (std::size_t i = 1; i <= many; ++i)
-    phone("deliver +46701112233 " + MailClientProcess::quoted("Number " + std::to_string(i)));
-  ASSERT_TRUE(phone_->awaitCopy());
-  const std::size_t from = mark();
-  const int click = client_->send(sendReceive);
-  ASSERT_TRUE(waitForTrace("More data to come", from));
-  killPhone();
-  EXPECT_EQ(client_->answerTo(click, patience).result, "clicked");
-  EXPECT_LT(bodies("Inbox").size(), many);
+// The add-in asks for the messages, and the phone goes in the middle of the answers: for longer than the add-in waits
+// for the next one, or back before that.
+class LostWhileReceiving : public LostPhone {
+ protected:
+  static constexpr std::size_t many = 30;
+
+  void beginToReceive() {
+    start();
+    phone("capacity SM 100");
+    for (std::size_t i = 1; i <= many; ++i)
+      phone("deliver +46701112233 " + MailClientProcess::quoted("Number " + std::to_string(i)));
+    ASSERT_TRUE(phone_->awaitCopy());
+    const std::size_t from = mark();
+    click_ = client_->send(sendReceive);
+    ASSERT_TRUE(waitForTrace("More data to come", from));
+    killPhone();
+  }
+  void endOfCommand() {
+    EXPECT_EQ(client_->answerTo(click_, patience).result, "clicked");
+    EXPECT_LT(bodies("Inbox").size(), many);
+  }
+  void expectEachOnce() {
+    clickSendReceive();
+    Lines texts;
+    for (std::size_t i = 1; i <= many; ++i) texts.push_back("Number " + std::to_string(i));
+    Lines received = bodies("Inbox");
+    std::sort(texts.begin(), texts.end());
+    std::sort(received.begin(), received.end());
+    EXPECT_EQ(received, texts);
+  }
+
+ private:
+  int click_ = 0;
+};
+
+TEST_F(LostWhileReceiving, BackAfterTheWait_BringsTheRest) {
+  ASSERT_NO_FATAL_FAILURE(beginToReceive());
+  endOfCommand();
   restartPhone();
-  clickSendReceive();
-  Lines texts;
-  for (std::size_t i = 1; i <= many; ++i) texts.push_back("Number " + std::to_string(i));
-  Lines received = bodies("Inbox");
-  std::sort(texts.begin(), texts.end());
-  std::sort(received.begin(), received.end());
-  EXPECT_EQ(received, texts);
+  expectEachOnce();
+}
+
+TEST_F(LostWhileReceiving, BackDuringTheWait_BringsTheRest) {
+  ASSERT_NO_FATAL_FAILURE(beginToReceive());
+  restartPhone();
+  endOfCommand();
+  expectEachOnce();
 }
 
 }  // namespace

@@ -171,6 +171,25 @@ TEST_F(ModemPhoneTest, UnreadMessage_IsUnreadUntilItWasHandedOver) {
   EXPECT_EQ(listed(Store::Sim, 1).size(), 3u);
 }
 
+TEST_F(ModemPhoneTest, UnreadMessageThatIsGivenBack_IsUnreadAgain_AlsoAfterAReturn) {
+  begin("like plain");
+  listed(Store::Sim);
+  const StoredMessage message{Store::Sim, 3, Status::ReceivedUnread, u"+46701234567", u"Hej", u"010203040516"};
+  StoredMessage another = message;
+  another.text = u"Hopp";
+  phone->giveBack(another);
+  another = message;
+  another.status = Status::ReceivedRead;
+  phone->giveBack(another);
+  EXPECT_EQ(listed(Store::Sim, 0), Lines{"end 0"});
+  rig.unplug();
+  rig.step();
+  phone->giveBack(message);
+  begin("like plain");
+  EXPECT_EQ(listed(Store::Sim, 0), (Lines{"3 0 +46701234567 010203040516 Hej", "end 0"}));
+  EXPECT_EQ(listed(Store::Sim, 0), Lines{"end 0"});
+}
+
 TEST_F(ModemPhoneTest, ListingThatNobodyWantsAnyMore_HandsNothingOver) {
   begin("like plain");
   phone->list(

@@ -50,6 +50,33 @@ TEST_F(HandOverTest, HandingItOver_MakesItReadWhateverThePhoneSays) {
   EXPECT_EQ(only().status, Status::ReceivedRead);
 }
 
+TEST_F(HandOverTest, TakingItBack_MakesItUnreadWhateverThePhoneSays) {
+  putLong(1);
+  list();
+  handOver(me(1));
+  joining.takeBack(only());
+  EXPECT_EQ(only().status, Status::ReceivedUnread);
+  EXPECT_FALSE(only().handedOver);
+  EXPECT_TRUE(joining.slotsToDelete(me(1)).empty()) << "a long message that nobody has seen";
+  changeStatus(me(1), Status::ReceivedRead);
+  changeStatus(sim(1), Status::ReceivedRead);
+  list();
+  EXPECT_EQ(only().status, Status::ReceivedUnread);
+  handOver(me(1));
+  EXPECT_EQ(only().status, Status::ReceivedRead);
+}
+
+TEST_F(HandOverTest, TakingBackWhatIsBeingDeleted_ChangesNothing) {
+  putLong(1);
+  list();
+  handOver(me(1));
+  const JoinedMessage message = only();
+  joining.deleted(sim(1));
+  joining.takeBack(message);
+  EXPECT_EQ(joining.leftovers(now), Slots{me(1)});
+  EXPECT_TRUE(joining.messages(now).empty());
+}
+
 TEST_F(HandOverTest, AnyOfItsSlots_StandsForTheMessage) {
   putLong(1);
   list();

@@ -239,6 +239,23 @@ TEST_P(SmsObjectTest, Unplugging_BetweenTwoAnswers_DropsTheSecond) {
   EXPECT_EQ(answers->lines, (Lines{line(id, more + std::string(" one"))}));
 }
 
+TEST_P(SmsObjectTest, Unplugging_GivesBackWhatWasListedAsUnreadAndNotDelivered) {
+  store(Store::Sim, Status::ReceivedUnread, u"delivered");
+  store(Store::Sim, Status::ReceivedRead, u"read before");
+  store(Store::Sim, Status::ReceivedUnread, u"waits");
+  store(Store::Sim, Status::ReceivedUnread, u"last");
+  const std::int32_t first = sms.ListMessages(2, 4);
+  answers->inside = [&] { phone->unplug(); };
+  time.run(1000);
+  EXPECT_EQ(answers->lines, (Lines{line(first, more + std::string(" delivered"))}));
+  answers->inside = nullptr;
+  phone->plug();
+  const std::int32_t second = sms.ListMessages(2, 0);
+  time.run(1000);
+  EXPECT_EQ(answers->lines, (Lines{line(first, more + std::string(" delivered")),
+                                   line(second, more + std::string(" waits")), line(second, " 0 last")}));
+}
+
 TEST_P(SmsObjectTest, Requests_OnAnUnpluggedPhone_Fail) {
   phone->unplug();
   const auto message = filled();
