@@ -445,6 +445,7 @@ class HastyPhone final : public handset::Phone {
   Request list(Store store, std::int32_t filter, OnMessage onMessage, OnEnd onEnd) override {
     return early(phone_->list(store, filter, std::move(onMessage), std::move(onEnd)));
   }
+  void giveBack(const handset::StoredMessage& message) override { phone_->giveBack(message); }
   Request remove(Store store, std::int16_t index, OnEnd onEnd) override {
     return early(phone_->remove(store, index, std::move(onEnd)));
   }
