@@ -14,7 +14,8 @@
 // the return to its caller, each of the turns comes late as well, and the while grows with the need for it.
 //
 // Losing the phone drops what is pending; no answer comes. Outcomes that the phone has given are delivered before
-// anybody is told of the loss; messages that were not delivered are given back, and stay unread. Requests without a phone are error handset::notConnected.
+// anybody is told of the loss; messages that were not delivered are given back, and stay unread. Requests without a
+// phone are error handset::notConnected.
 #pragma once
 
 #include <deque>
