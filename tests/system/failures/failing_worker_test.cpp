@@ -9,11 +9,13 @@ namespace {
 
 class FailingCalls : public ProductTest {
  protected:
-  void SetUp() override { testing_support::setOption(L"Sim_Full_Warning", 0u); }
-  void startWorker(Fails what) {
-    worker_ = std::make_unique<FailingWorker>(what);
+  // One server for all these tests: Wine is not at its best when a class is offered, withdrawn and offered again.
+  static void SetUpTestSuite() {
+    worker_ = std::make_unique<FailingWorker>(Fails::Nothing);
     ASSERT_TRUE(worker_->isServing());
   }
+  static void TearDownTestSuite() { worker_ = nullptr; }
+  void SetUp() override { testing_support::setOption(L"Sim_Full_Warning", 0u); }
 
   void expectMessageWaits() {
     EXPECT_EQ(ask(sendReceive).result, "ignored") << "the button is disabled";
@@ -30,7 +32,7 @@ class FailingCalls : public ProductTest {
                  "Create MAPI helper object",       "Create CAPI objects"};
   }
 
-  std::unique_ptr<FailingWorker> worker_;  // until the mail client has ended
+  static inline std::unique_ptr<FailingWorker> worker_;
 };
 
 // A receive with a worker that does not even say whether a phone is connected.
@@ -46,7 +48,7 @@ Lines failedCommand() {
 }
 
 TEST_F(FailingCalls, FromTheStart_LeaveAnAddInWithoutAPhone) {
-  startWorker(Fails::Calls);
+  worker_->fail(Fails::Calls);
   startClient();
   EXPECT_EQ(traced(0), startUntilTheWorker() + Lines{failedCall} + noLocalizer + Lines{"OnStartupComplete"});
   expectMessageWaits();
@@ -58,7 +60,7 @@ TEST_F(FailingCalls, FromTheStart_LeaveAnAddInWithoutAPhone) {
 }
 
 TEST_F(FailingCalls, WorkerWithoutEvents_IsNotTaken) {
-  startWorker(Fails::Notices);
+  worker_->fail(Fails::Notices);
   startClient();
   EXPECT_EQ(traced(0), startUntilTheWorker() +
                            Lines{"Error:459, Object or class does not support the set of events, mrktxtmsg"} +
@@ -67,7 +69,7 @@ TEST_F(FailingCalls, WorkerWithoutEvents_IsNotTaken) {
 }
 
 TEST_F(FailingCalls, FromSomeMomentOn_CountAsFailuresOfTheMessage) {
-  startWorker(Fails::Nothing);
+  worker_->fail(Fails::Nothing);
   startClient();
   EXPECT_EQ(traced(0), startLines(Start::OfTheMailClient));
   EXPECT_TRUE(isSendReceiveEnabled());
@@ -101,7 +103,7 @@ TEST_F(FailingCalls, FromSomeMomentOn_CountAsFailuresOfTheMessage) {
 // A failing look at the SIM counts as a full one.
 TEST_F(FailingCalls, OfTheSimCheck_ShowTheWarning) {
   testing_support::removeOption(L"Sim_Full_Warning");
-  startWorker(Fails::Nothing);
+  worker_->fail(Fails::Nothing);
   startClient();
   worker_->fail(Fails::Calls);
   const std::size_t from = mark();
