@@ -116,7 +116,7 @@ SendRecord::Entry& SendRecord::request(const handset::OutgoingMessage& message) 
     *entry = {};
     entry->key = key;
   }
-  ++entry->asked;
+  entry->asked = std::min(entry->asked + 1, attempts);
   touch(*entry);
   save();
   return *entry;
@@ -144,8 +144,8 @@ void SendRecord::ended(Entry& entry, const Outcome& outcome, std::size_t partsSe
 void SendRecord::left(Entry& entry, int askers) { entry.asked = std::max(0, entry.asked - askers); }
 
 void SendRecord::phoneFound() {
+  if (phones_++ > 0) return;
   for (Entry& entry : entries_) entry.since = clock_.now();
-  ++phones_;
 }
 
 void SendRecord::touch(Entry& entry) {
@@ -155,8 +155,8 @@ void SendRecord::touch(Entry& entry) {
 
 void SendRecord::expire() {
   if (phones_ == 0) return;
-  std::erase_if(entries_, [now = clock_.now()](const Entry& entry) {
-    return entry.state != State::Open && now - entry.since >= window;
+  std::erase_if(entries_, [now = clock_.now(), today = notes_->today()](const Entry& entry) {
+    return entry.state != State::Open && (now - entry.since >= window || today - entry.day > mostDays);
   });
 }
 
@@ -171,7 +171,7 @@ void SendRecord::tidyLater() {
   const bool settled =
       std::any_of(entries_.begin(), entries_.end(), [](const Entry& e) { return e.state == State::Settled; });
   tidying_ = nullptr;
-  if (entries_.empty()) return;
+  if (entries_.empty() && saved_.empty()) return;
   const auto delay = settled ? settling : static_cast<std::int32_t>(window.count());
   tidying_ = scheduler_.after(delay, [this] { tidy(); });
 }
@@ -181,8 +181,8 @@ void SendRecord::save() {
   for (const Entry& entry : entries_)
     if (isNoted(entry)) text += lineOf(entry);
   if (text == heading) text.clear();
-  if (text != saved_) notes_->save(text);
-  saved_ = std::move(text);
+  // What could not be saved is tried again with the next change, and by tidy().
+  if (text != saved_ && notes_->save(text)) saved_ = std::move(text);
 }
 
 void SendRecord::load(std::string_view text) {

@@ -41,8 +41,8 @@ class SendNotes {
  public:
   virtual ~SendNotes() = default;
   virtual std::string load() = 0;
-  // An empty text: nothing is to be left.
-  virtual void save(const std::string& text) noexcept = 0;
+  // An empty text: nothing is to be left. False when it could not be done.
+  virtual bool save(const std::string& text) noexcept = 0;
   virtual std::int64_t today() const = 0;  // as a number of days
 };
 

@@ -49,30 +49,27 @@ void SmsObject::terminate() noexcept {
 }
 
 // What became of a send or a deletion is told now, while there still is somebody who listens: the notice of the loss
-// comes next, and whoever has not heard the outcome by then asks again. Better before the request's return than never.
+// comes next, and whoever has not heard the outcome by then asks again. Better before the request's return, or inside
+// the listener's handling of another answer, than never.
 void SmsObject::phoneLost() {
   const Hold<SmsObject> keep(this);
   std::deque<Answer> outcomes;
-  if (!delivering_)
-    std::copy_if(answers_.begin(), answers_.end(), std::back_inserter(outcomes),
-                 [](const Answer& a) { return a.last && !a.message; });
+  std::copy_if(answers_.begin(), answers_.end(), std::back_inserter(outcomes),
+               [](const Answer& a) { return a.last && !a.message; });
   dropEverything();
   for (const Answer& outcome : outcomes) deliver(outcome);
 }
 
 // What was listed as unread and was not delivered must not be taken for read.
 void SmsObject::dropEverything() noexcept {
-  onErrorResumeNext([&] {
-    for (const Answer& one : std::exchange(answers_, {})) giveBack(one.message);
-    for (const auto& [transaction, pending] : pending_) giveBack(pending.listed);
-  });
-  pending_.clear();
-  answers_.clear();
   delivery_ = nullptr;
+  for (const Answer& one : std::exchange(answers_, {})) giveBack(one.message);
+  for (const auto& [transaction, pending] : std::exchange(pending_, {})) giveBack(pending.listed);
 }
 
-void SmsObject::giveBack(const std::optional<StoredMessage>& message) {
-  if (message && message->status == handset::Status::ReceivedUnread) phone_->giveBack(*message);
+void SmsObject::giveBack(const std::optional<StoredMessage>& message) noexcept {
+  if (!message || message->status != handset::Status::ReceivedUnread) return;
+  onErrorResumeNext([&] { phone_->giveBack(*message); });
 }
 
 const Ref<Phone>& SmsObject::phone() const {
@@ -153,9 +150,10 @@ void SmsObject::deliverNext() {
 void SmsObject::deliver(const Answer& answer) {
   Object message;
   if (answer.message) message = make<ShortMessage>(this, *answer.message).get()->object();
-  delivering_ = true;  // a listener that serves messages inside its handler must not get the next answer there
+  // A listener that serves messages inside its handler must not get the next answer there.
+  const bool inside = std::exchange(delivering_, true);
   fire(sms_objectlib::SMSEvents::OnNotifyResponse, answer.transaction, answer.status, message);
-  delivering_ = false;
+  delivering_ = inside;
 }
 
 }  // namespace servers::sms_object

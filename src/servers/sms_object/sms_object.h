@@ -85,7 +85,7 @@ class SmsObject final : public platform::NativeObject {
   void deliver(const Answer& answer);
   void phoneLost();
   void dropEverything() noexcept;
-  void giveBack(const std::optional<handset::StoredMessage>& message);
+  void giveBack(const std::optional<handset::StoredMessage>& message) noexcept;
 
   Scheduler& scheduler_;
   TransactionIds ids_;

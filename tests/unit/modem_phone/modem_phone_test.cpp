@@ -2,28 +2,16 @@
 
 #include <gtest/gtest.h>
 
-#include "phone/modem/outcome.h"
 #include "phone/pdu/deliver.h"
 #include "phone/pdu/hex.h"
 #include "support/errors.h"
-#include "support/text.h"
-#include "unit/modem_phone/rig.h"
+#include "unit/modem_phone/modem_phone_fixture.h"
 
 namespace {
 
-using namespace handset;
-using modem_testing::Rig;
-using modem_testing::RigWire;
+using namespace modem_testing;
 using phone::Milliseconds;
-using platform::Counted;
-using platform::Ref;
-using platform::String;
-using platform::StringView;
-using servers::modem::ModemPhone;
-using servers::modem::SendRecord;
 using testing_support::errorNumberOf;
-using testing_support::utf8;
-using Lines = std::vector<std::string>;
 
 const std::string hello = "07916407058099F9040B916407214365F70000102030405060000AE8329BFD4697D9EC37";
 const std::string hej = "07916407058099F9040B916407214365F70008102030405061000600480065006A";
@@ -50,90 +38,6 @@ Lines partsOf(std::u16string_view text) {
   for (const phone::EncodedPdu& part : phone::encodeDeliver(like, text, 3)) parts.push_back(phone::toHex(part.octets));
   return parts;
 }
-
-class ModemPhoneTest : public testing::Test {
- protected:
-  ~ModemPhoneTest() override {
-    watching = nullptr;
-    phone = nullptr;
-    rig.record = nullptr;
-    EXPECT_EQ(Counted::census, census);
-    EXPECT_EQ(rig.time.pendingWork(), 0u);
-  }
-
-  Ref<ModemPhone> newPhone() {
-    if (!rig.record) rig.beginRecord();
-    return platform::make<ModemPhone>(
-        rig.time, rig.clock, rig.record, [this] { return rig.isHeard; }, std::make_unique<RigWire>(rig),
-        std::uint8_t{7});
-  }
-  // A phone with such a modem, found and with nothing to do.
-  void begin(const std::string& script) {
-    rig.plug(script);
-    if (!phone) {
-      phone = newPhone();
-      watching = phone->watch([this](bool connected) { told.push_back(connected); });
-    }
-    ASSERT_TRUE(rig.step());
-    rig.modem->heard.clear();
-  }
-
-  Lines listed(Store store, std::int32_t filter = allStatuses) {
-    Lines lines;
-    const auto request = phone->list(
-        store, filter,
-        [&](const StoredMessage& m) {
-          lines.push_back(std::to_string(m.index) + " " + std::to_string(static_cast<int>(m.status)) + " " +
-                          utf8(m.number) + " " + utf8(m.timeStamp) + " " + utf8(m.text));
-        },
-        [&](std::int32_t result) { lines.push_back("end " + hex(result)); });
-    rig.time.runDue();
-    return lines;
-  }
-  std::string removed(Store store, std::int16_t index) {
-    std::string result;
-    const auto request = phone->remove(store, index, [&](std::int32_t code) { result = hex(code); });
-    rig.time.runDue();
-    rig.work();
-    return result;
-  }
-  // The server is killed, and another one begins.
-  void restart() {
-    watching = nullptr;
-    phone = nullptr;
-    rig.beginRecord();
-    told.clear();
-  }
-  // What is answered, once everything is done that is under way; empty when nothing was.
-  struct Sent {
-    std::string result;
-    Phone::Request request;
-  };
-  std::shared_ptr<Sent> hand(StringView text, StringView number = u"+46701234567") {
-    auto sent = std::make_shared<Sent>();
-    sent->request = phone->send({u"", String(number), String(text)},
-                                [raw = sent.get()](std::int32_t code) { raw->result = hex(code); });
-    return sent;
-  }
-  std::string sent(StringView text) {
-    const auto handed = hand(text);
-    rig.time.runDue();
-    rig.work();
-    return handed->result;
-  }
-  static std::string hex(std::int32_t code) {
-    char text[9];
-    std::snprintf(text, sizeof text, "%X", static_cast<unsigned>(code));
-    return text;
-  }
-  Lines heardOf(const char* beginning) const { return rig.modem->heardOf(beginning); }
-
-  const std::int32_t census = Counted::census;
-  Rig rig;
-  std::vector<bool> told;
-  Ref<ModemPhone> phone;
-  Ref<Counted> watching;
-};
 
 TEST_F(ModemPhoneTest, Found_IsConnectedAndAnswersAtOnce) {
   begin("like plain");
@@ -317,103 +221,6 @@ TEST_F(ModemPhoneTest, ModemThatAnnouncesNothing_IsLookedAtWhenSomebodyAsks) {
   EXPECT_EQ(heardOf("AT+CMGL").size(), 1u);
 }
 
-TEST_F(ModemPhoneTest, Sending_AnswersWhenTheNetworkDoes) {
-  begin("like plain");
-  const auto handed = hand(u"hellohello");
-  rig.time.runDue();
-  EXPECT_EQ(handed->result, "");
-  rig.work();
-  EXPECT_EQ(handed->result, "0");
-  EXPECT_EQ(heardOf("message"), Lines{"message 0001000B916407214365F700000AE8329BFD4697D9EC37"});
-  // The same once more is another message.
-  EXPECT_EQ(sent(u"hellohello"), "0");
-  EXPECT_EQ(heardOf("message").size(), 2u);
-}
-
-TEST_F(ModemPhoneTest, WhatCannotBeSent_FailsWithoutTheLine) {
-  begin("like plain");
-  const auto handed = hand(u"x", u"Anna");
-  rig.time.runDue();
-  EXPECT_EQ(handed->result, "888800CA");
-  EXPECT_EQ(rig.letters.size(), 0u);
-}
-
-TEST_F(ModemPhoneTest, SameMessageWhileTheFirstIsOpen_WaitsForItsResult) {
-  begin("like plain");
-  const auto first = hand(u"hellohello");
-  const auto second = hand(u"hellohello");
-  const auto other = hand(u"Hej");
-  rig.work();
-  EXPECT_EQ(first->result, "0");
-  EXPECT_EQ(second->result, "0");
-  EXPECT_EQ(other->result, "0");
-  EXPECT_EQ(heardOf("message").size(), 2u);
-}
-
-TEST_F(ModemPhoneTest, AnswerAfterTheAskersPatience_IsKeptForItsNextRequest) {
-  begin("like plain\non message *\n  pause 40000\n  say +CMGS: 7\n  say OK");
-  EXPECT_EQ(sent(u"hellohello"), "");
-  EXPECT_EQ(sent(u"hellohello"), "0");
-  EXPECT_EQ(heardOf("message").size(), 1u);
-  // And now it is a new message.
-  EXPECT_EQ(sent(u"hellohello"), "");
-  EXPECT_EQ(heardOf("message").size(), 2u);
-}
-
-TEST_F(ModemPhoneTest, LongerText_IsWaitedForLonger) {
-  begin("like plain\non message *\n  pause 40000\n  say +CMGS: 7\n  say OK");
-  EXPECT_EQ(sent(String(160, u'x')), "0");
-}
-
-TEST_F(ModemPhoneTest, UnknownOutcome_IsReportedAndNotRepeatedUntilTheAskerHasGivenUp) {
-  begin("like plain\non message *\n  lose\n");
-  EXPECT_EQ(sent(u"hellohello"), "888800D2");
-  EXPECT_FALSE(rig.step());
-  EXPECT_EQ(told, (std::vector{true, false}));
-
-  begin("like plain");
-  EXPECT_EQ(told, (std::vector{true, false, true}));
-  EXPECT_EQ(sent(u"hellohello"), "888800D2");
-  EXPECT_EQ(sent(u"hellohello"), "888800D2");
-  EXPECT_EQ(heardOf("message"), Lines());
-  // Three failures: there has been a report, and this is somebody who wants it sent again.
-  EXPECT_EQ(sent(u"hellohello"), "0");
-  EXPECT_EQ(heardOf("message").size(), 1u);
-}
-
-TEST_F(ModemPhoneTest, RefusedMessage_IsSentWhenItIsAskedForAgain) {
-  begin("like plain\non message *\n  say +CMS ERROR: 38\non message *\n  say +CMGS: 7\n  say OK");
-  EXPECT_EQ(sent(u"hellohello"), "88881026");
-  EXPECT_EQ(sent(u"hellohello"), "0");
-  EXPECT_EQ(heardOf("message").size(), 2u);
-}
-
-TEST_F(ModemPhoneTest, LongMessageRefusedInTheMiddle_GoesOnThere) {
-  begin("like busy-network");
-  EXPECT_EQ(sent(String(400, u'x')), "88881026");
-  EXPECT_EQ(sent(String(400, u'x')), "0");
-  const Lines parts = heardOf("message");
-  ASSERT_EQ(parts.size(), 5u);
-  EXPECT_EQ(parts[4], parts[3]);
-}
-
-TEST_F(ModemPhoneTest, PulledOutBeforeAMessageWasHandedIn_SendsItWhenItIsBack) {
-  begin("like plain");
-  const auto handed = hand(u"hellohello");
-  rig.unplug();
-  EXPECT_FALSE(rig.step());
-  EXPECT_EQ(handed->result, "");
-  EXPECT_FALSE(phone->isConnected());
-  EXPECT_FALSE(rig.hasLine);
-
-  begin("like plain");
-  rig.work();
-  EXPECT_EQ(heardOf("message"), Lines());
-  EXPECT_EQ(sent(u"hellohello"), "0");
-  EXPECT_EQ(heardOf("message").size(), 1u);
-  EXPECT_EQ(handed->result, "");
-}
-
 TEST_F(ModemPhoneTest, WhatWasAskedOfAModemThatIsGone_IsNotDoneByTheNext) {
   begin("like plain");
   rig.unplug();
@@ -469,120 +276,6 @@ TEST_F(ModemPhoneTest, NothingPluggedIn_IsTriedAgain) {
   rig.plug("like plain");
   EXPECT_TRUE(rig.step());
   EXPECT_TRUE(phone->isConnected());
-}
-
-TEST_F(ModemPhoneTest, MessageOnItsWay_IsNotedBeforeTheModemHasIt) {
-  begin("like plain");
-  EXPECT_FALSE(phone->isSending());
-  const auto handed = hand(u"hellohello");
-  EXPECT_TRUE(phone->isSending());
-  EXPECT_EQ(rig.letters.size(), 1u);
-  EXPECT_EQ(rig.modem->heard, Lines());
-  EXPECT_NE(rig.notebook.text.find(" open 1 7 0 "), std::string::npos) << rig.notebook.text;
-  rig.work();
-  EXPECT_EQ(handed->result, "0");
-  EXPECT_FALSE(phone->isSending());
-  rig.time.run(SendRecord::settling);
-  EXPECT_EQ(rig.notebook.text, "");
-}
-
-TEST_F(ModemPhoneTest, ServerThatWasKilledWhileSending_DoesNotRepeatTheMessage) {
-  begin("like plain");
-  hand(u"hellohello");
-  restart();
-  begin("like plain");
-  for (int i = 0; i < SendRecord::attempts; ++i) EXPECT_EQ(sent(u"hellohello"), "888800D2");
-  EXPECT_EQ(heardOf("message"), Lines());
-  EXPECT_EQ(sent(u"hellohello"), "0");
-  EXPECT_EQ(heardOf("message").size(), 1u);
-  EXPECT_EQ(sent(u"Hej"), "0");
-}
-
-TEST_F(ModemPhoneTest, SentWhenNobodyWasThereAnyMore_IsSaidToWhoeverAsksNextAlsoAfterARestart) {
-  begin("like plain");
-  const auto first = hand(u"hellohello");
-  rig.isHeard = false;
-  rig.work();
-  EXPECT_EQ(first->result, "");
-  rig.isHeard = true;
-  restart();
-  begin("like plain");
-  EXPECT_EQ(sent(u"hellohello"), "0");
-  EXPECT_EQ(heardOf("message"), Lines());
-  EXPECT_EQ(sent(u"hellohello"), "0");
-  EXPECT_EQ(heardOf("message").size(), 1u);
-}
-
-TEST_F(ModemPhoneTest, AskersThatAreGoneWhenOthersCome_AreToldNothingAndDoNotCount) {
-  begin("like plain\non message *\n  lose\n");
-  const auto first = hand(u"hellohello");
-  phone->abandoned();
-  EXPECT_TRUE(phone->isSending());
-  rig.work();
-  EXPECT_EQ(first->result, "");
-  EXPECT_NE(rig.notebook.text.find(" unknown 0 "), std::string::npos) << rig.notebook.text;
-  // The line is lost, too; from here on it is as with any other.
-  EXPECT_FALSE(rig.step());
-  EXPECT_FALSE(phone->isSending());
-  begin("like plain");
-  for (int i = 0; i < SendRecord::attempts; ++i) EXPECT_EQ(sent(u"hellohello"), "888800D2");
-  EXPECT_EQ(sent(u"hellohello"), "0");
-}
-
-TEST_F(ModemPhoneTest, PartsThatWereSent_AreNotSentAgainAfterARestart) {
-  begin("like busy-network");
-  EXPECT_EQ(sent(String(400, u'x')), "88881026");
-  const Lines before = heardOf("message");
-  ASSERT_EQ(before.size(), 4u);
-  EXPECT_NE(rig.notebook.text.find(" unsent 1 7 2 "), std::string::npos) << rig.notebook.text;
-  restart();
-  begin("like plain");
-  EXPECT_EQ(sent(String(400, u'x')), "0");
-  EXPECT_EQ(heardOf("message"), Lines{before[3]});
-}
-
-TEST_F(ModemPhoneTest, LongMessageBrokenOffBetweenItsParts_GoesOnThere) {
-  begin("like plain\non AT+CMGS=*\n  prompt <CR><LF>><SP>\non AT+CMGS=*\n  lose\n");
-  const auto handed = hand(String(200, u'x'));
-  rig.modem->heard.clear();
-  while (rig.step()) {
-  }
-  const Lines before = heardOf("message");
-  begin("like plain");
-  EXPECT_EQ(sent(String(200, u'x')), "0");
-  EXPECT_EQ(before.size(), 1u);
-  EXPECT_EQ(heardOf("message").size(), 1u);
-  EXPECT_NE(heardOf("message"), before);
-}
-
-TEST_F(ModemPhoneTest, ServiceCentreThatWasChangedAfterARefusal_IsUsed) {
-  begin("like plain\non message *\n  say +CMS ERROR: 330\non message *\n  say +CMGS: 7\n  say OK");
-  EXPECT_EQ(sent(u"hellohello"), "8888114A");
-  const auto request = phone->send({u"+4512345678", u"+46701234567", u"hellohello"}, [](std::int32_t) {});
-  rig.work();
-  const Lines messages = heardOf("message");
-  ASSERT_EQ(messages.size(), 2u);
-  EXPECT_EQ(messages[0], "message 0001000B916407214365F700000AE8329BFD4697D9EC37");
-  EXPECT_EQ(messages[1], "message 06915421436587" + messages[0].substr(messages[0].find(' ') + 3));
-}
-
-TEST_F(ModemPhoneTest, MessageOnItsWayThroughAnotherPhone_IsNotSentByThisOneAsWell) {
-  begin("like plain");
-  const auto handed = hand(u"hellohello");
-  Rig other;
-  other.plug("like plain");
-  Ref<ModemPhone> second = platform::make<ModemPhone>(
-      rig.time, other.clock, rig.record, [] { return true; }, std::make_unique<RigWire>(other), std::uint8_t{9});
-  ASSERT_TRUE(other.step());
-  std::string result;
-  const auto request =
-      second->send({u"", u"+46701234567", u"hellohello"}, [&](std::int32_t code) { result = hex(code); });
-  rig.time.runDue();
-  EXPECT_EQ(result, "888800D2");
-  EXPECT_EQ(other.letters.size(), 0u);
-  rig.work();
-  EXPECT_EQ(handed->result, "0");
-  second = nullptr;
 }
 
 TEST_F(ModemPhoneTest, Trace_SaysOnceWhyThereIsNoModem) {

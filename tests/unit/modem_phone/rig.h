@@ -50,15 +50,18 @@ struct Notebook {
   std::string text;
   std::int64_t day = 11000;
   int saves = 0;
+  bool isFull = false;
 };
 
 class NotebookNotes final : public servers::modem::SendNotes {
  public:
   explicit NotebookNotes(Notebook& notebook) : notebook_(notebook) {}
   std::string load() override { return notebook_.text; }
-  void save(const std::string& text) noexcept override {
+  bool save(const std::string& text) noexcept override {
+    if (notebook_.isFull) return false;
     notebook_.text = text;
     ++notebook_.saves;
+    return true;
   }
   std::int64_t today() const override { return notebook_.day; }
 

@@ -89,6 +89,41 @@ TEST_F(SendRecordTest, OpenWhenTheServerBegins_IsUnknownAndTheFailureIsNotCounte
   EXPECT_EQ(stateOf(greeting), State::Unsent);
 }
 
+TEST_F(SendRecordTest, AskedForMoreOftenThanUsualWhileOpen_IsNotForgottenByTheNextServer) {
+  begin();
+  record_->begins(record_->request(greeting), 7);
+  for (int more = 0; more < 300; ++more) EXPECT_EQ(stateOf(greeting), State::Open);
+  beginWith(notebook_.text);
+  EXPECT_EQ(stateOf(greeting), State::Unknown);
+}
+
+TEST_F(SendRecordTest, NotesThatCannotBeSaved_AreTriedAgain) {
+  begin();
+  auto& entry = record_->request(greeting);
+  notebook_.isFull = true;
+  record_->begins(entry, 7);
+  EXPECT_EQ(notebook_.text, "");
+  notebook_.isFull = false;
+  record_->ended(entry, {Outcome::Kind::Unknown}, 0, true);
+  EXPECT_EQ(notebook_.text, "sends 1\n" + keyOfHello + " unknown 1 7 0 11000\n");
+  notebook_.isFull = true;
+  clock_.pass(SendRecord::window);
+  time_.run(SendRecord::window.count());
+  EXPECT_NE(notebook_.text, "");
+  notebook_.isFull = false;
+  time_.run(SendRecord::window.count());
+  EXPECT_EQ(notebook_.text, "");
+  EXPECT_EQ(time_.pendingWork(), 0u);
+}
+
+TEST_F(SendRecordTest, AnotherPhoneThatComes_ProlongsNothing) {
+  beginWith("sends 1\n" + keyOfHello + " untold 1 7 0 11000\n");
+  clock_.pass(SendRecord::window - Milliseconds(1));
+  record_->phoneFound();
+  clock_.pass(Milliseconds(1));
+  EXPECT_EQ(stateOf(greeting), State::Unsent);
+}
+
 TEST_F(SendRecordTest, UnknownAndUntoldOnes_AreFoundAgain) {
   beginWith("sends 1\n" + keyOfHello + " unknown 1 7 0 11000\n");
   EXPECT_EQ(stateOf(greeting), State::Unknown);

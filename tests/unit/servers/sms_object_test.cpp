@@ -230,6 +230,16 @@ TEST_P(SmsObjectTest, Unplugging_TellsTheOutcomesThatThePhoneHasGivenBeforeTheLo
   EXPECT_EQ(inOrder.size(), 3u);
 }
 
+TEST_P(SmsObjectTest, Unplugging_InsideAnAnswer_TellsTheOutcomesAllTheSame) {
+  const std::int32_t remove = sms.DeleteMessage(2, 1);
+  const std::int32_t send = filled().Send();
+  answers->inside = [&] {
+    if (answers->lines.size() == 1) phone->unplug();
+  };
+  time.run(1000);
+  EXPECT_EQ(answers->lines, (Lines{line(remove, empty), line(send, " 0")}));
+}
+
 TEST_P(SmsObjectTest, Unplugging_BetweenTwoAnswers_DropsTheSecond) {
   store(Store::Sim, Status::ReceivedRead, u"one");
   store(Store::Sim, Status::ReceivedRead, u"two");

@@ -20,11 +20,8 @@ SendFile::SendFile() {
 
 std::string SendFile::load() { return readTextFile(path_, longestNotes); }
 
-void SendFile::save(const std::string& text) noexcept {
-  if (text.empty())
-    removeTextFile(path_);
-  else
-    replaceTextFile(path_, text, Outlives::APowerFailure);
+bool SendFile::save(const std::string& text) noexcept {
+  return text.empty() ? removeTextFile(path_) : replaceTextFile(path_, text, Outlives::APowerFailure);
 }
 
 std::int64_t SendFile::today() const { return std::time(nullptr) / (24 * 60 * 60); }

@@ -11,7 +11,7 @@ class SendFile final : public modem::SendNotes {
   SendFile();
 
   std::string load() override;
-  void save(const std::string& text) noexcept override;
+  bool save(const std::string& text) noexcept override;
   std::int64_t today() const override;
 
  private:

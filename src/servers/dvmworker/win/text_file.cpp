@@ -62,10 +62,15 @@ bool replaceTextFile(const String& path, const std::string& text, Outlives what)
   if (path.empty()) return false;
   return com::guardedOr(false, [&] {
     const String fresh = path + u".new";
-    return write(fresh, text, what) && MoveFileExW(wide(fresh), wide(path), MOVEFILE_REPLACE_EXISTING);
+    const DWORD how = MOVEFILE_REPLACE_EXISTING | (what == Outlives::APowerFailure ? MOVEFILE_WRITE_THROUGH : 0u);
+    return write(fresh, text, what) && MoveFileExW(wide(fresh), wide(path), how);
   });
 }
 
-void removeTextFile(const String& path) noexcept { DeleteFileW(wide(path)); }
+bool removeTextFile(const String& path) noexcept {
+  if (DeleteFileW(wide(path))) return true;
+  const DWORD error = GetLastError();
+  return path.empty() || error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
+}
 
 }  // namespace servers::dvmworker

@@ -21,6 +21,7 @@ enum class Outlives : std::uint8_t { TheProcess, APowerFailure };
 // Writes a new file and puts it in the old one's place: whoever reads finds the one or the other, whole. False when it
 // could not be done, or `path` is empty.
 bool replaceTextFile(const platform::String& path, const std::string& text, Outlives what) noexcept;
-void removeTextFile(const platform::String& path) noexcept;
+// True when there is none afterwards.
+bool removeTextFile(const platform::String& path) noexcept;
 
 }  // namespace servers::dvmworker

@@ -15,14 +15,14 @@ namespace {
 
 const wchar_t* widePath(const String& text) { return reinterpret_cast<const wchar_t*>(text.c_str()); }
 
-// Nothing that means something in a path.
+// Nothing that means something in a path; and COM3.txt would be the port itself, in whatever folder.
 String fileNameOf(const phone::LineName& name) {
-  std::string text = name.device;
-  if (name.kind == phone::LineName::Kind::Tcp) text = "tcp_" + name.device + "_" + name.port;
+  const bool tcp = name.kind == phone::LineName::Kind::Tcp;
+  const std::string text = tcp ? "tcp_" + name.device + "_" + name.port : "port_" + name.device;
   String result;
   for (const char c : text) {
     const bool plain = (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '-';
-    result += plain || (c == '.' && !result.empty()) ? static_cast<char16_t>(c) : u'_';
+    result += plain || c == '.' ? static_cast<char16_t>(c) : u'_';
   }
   return result;
 }
@@ -40,10 +40,9 @@ class FilesOfPort final : public modem::TraceFiles {
       file_ = CreateFileW(widePath(paths_[0]), GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_ALWAYS,
                           FILE_ATTRIBUTE_NORMAL, nullptr);
     if (file_ == INVALID_HANDLE_VALUE) return std::nullopt;
-    DWORD high = 0;
-    const DWORD low = SetFilePointer(file_, 0, nullptr, FILE_END);
-    static_cast<void>(GetFileSize(file_, &high));
-    return (std::uint64_t{high} << 32) + low;
+    LARGE_INTEGER end{};
+    if (!SetFilePointerEx(file_, {}, &end, FILE_END)) return std::nullopt;
+    return static_cast<std::uint64_t>(end.QuadPart);
   }
   bool append(std::string_view text) noexcept override {
     DWORD written = 0;

@@ -1,5 +1,5 @@
 // The trace of a phone's dialogue, where the user wants one: see settings.h for the folder. The file is named after the
-// port, COM3.txt, and the older ones COM3.1.txt and COM3.2.txt.
+// port, port_COM3.txt, and the older ones port_COM3.1.txt and port_COM3.2.txt.
 #pragma once
 
 #include <memory>
