@@ -86,8 +86,9 @@ class Shell : public testing::Test {
   Report start(const String& command, std::int16_t style = 1) {
     DeleteFileW(win32::wide(report_));
     win32::system().shell.start(command, style);
-    while (GetFileAttributesW(win32::wide(report_)) == INVALID_FILE_ATTRIBUTES) Sleep(10);
-    std::ifstream file(win32::wide(report_), std::ios::binary);
+    // It is there a moment before whoever has moved it lets go of it.
+    std::ifstream file;
+    while (file.open(win32::wide(report_), std::ios::binary), !file.is_open()) Sleep(10);
     Report report;
     std::getline(file, report.path);
     std::getline(file, report.commandLine);
