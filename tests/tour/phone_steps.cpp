@@ -18,6 +18,7 @@ void Tour::sendLongMessage() {
   traced("Guard timmer set to [2] parts", from);
   traced("SetupGuard [50000]ms", from);
   check(field(itemWith("Sent Items", longText), "unread") == "0", "and marked as read");
+  picture("160-characters-sent");
 }
 
 void Tour::receiveMessages() {
@@ -54,6 +55,7 @@ void Tour::pollForMessages() {
   setShortMinute(0);
   setOption(L"SendReceive_UseAuto", 0u);
   ask("connect " + std::string(addInId));
+  picture("polled");
 }
 
 void Tour::listAgain() {
@@ -65,6 +67,7 @@ void Tour::listAgain() {
   check(trace_.count("Inside ReceiveAll Function - m_bReceiveAll = True", from) == 1,
         "after a listing of all messages");
   check(trace_.count("FOUND DUPLICATE!", from) == before, "each of which was recognised");
+  picture("listed-again");
 }
 
 void Tour::deleteOne() {
@@ -76,6 +79,7 @@ void Tour::deleteOne() {
   for (const std::string& line : phone("list SM")) isThere |= line.find("From the SIM card") != std::string::npos;
   check(!isThere, "and it is that one");
   check(itemsIn("Deleted Items") == 1, "the item is in Deleted Items");
+  picture("deleted");
 }
 
 void Tour::removeAutomatically() {
@@ -89,6 +93,7 @@ void Tour::removeAutomatically() {
   check(waitFor("Inbox", items + 2), "two more items are in the Inbox");
   check(storedOn(sim) == before, "and both messages are off the SIM card");
   setOption(L"SendReceive_AutoRemove", 0u);
+  picture("removed-automatically");
 }
 
 void Tour::fillTheSim() {
@@ -151,6 +156,7 @@ void Tour::unplugDuringASend() {
   clickSendReceive();
   check(waitFor("Sent Items", sent + 1) && waitFor("Outbox", 0), "the message is in Sent Items");
   check(phone("sent").size() == 1, "and has gone out once");
+  picture("plugged-in-again");
 }
 
 void Tour::disconnectAddIn() {
@@ -164,6 +170,7 @@ void Tour::disconnectAddIn() {
   const Answer references = ask("references");
   for (const std::string& line : references.lines) say(line);
   check(references.result == "0", "no reference to the mail client's objects is left");
+  picture("disconnected");
   check(client_->quit(), "the mail client ends");
   handset_ = nullptr;
 }
