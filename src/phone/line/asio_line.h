@@ -29,10 +29,14 @@ class AsioLine : public Line {
     while (!done && !ended_ && runOne(deadline)) {
     }
     if (!done) {
-      // Its buffer is the caller's: it must be over before this function is.
-      asio::error_code ignored;
-      stream_.cancel(ignored);
-      while (!done) runOne(never());
+      // Its buffer is the caller's: it must be over before this function is. One cancelling ends one part of it, and
+      // with bad luck one that is over already: then the next one has begun.
+      while (!done) {
+        asio::error_code ignored;
+        stream_.cancel(ignored);
+        context_.restart();
+        context_.run_one_for(cancelInterval);
+      }
       failure_ = failure ? failure : asio::error::timed_out;
     } else if (failure) {
       failure_ = failure;
@@ -61,6 +65,7 @@ class AsioLine : public Line {
 
  protected:
   static constexpr Instant never() { return Instant::max(); }
+  static constexpr std::chrono::milliseconds cancelInterval{20};
 
   // Runs one piece of work, waiting for it until `deadline`; false when there was none.
   bool runOne(Instant deadline) {
