@@ -1,6 +1,7 @@
 #include "servers/common/win/settings.h"
 
 #include "com/windows.h"
+#include "servers/common/win/wide.h"
 
 namespace servers::settings {
 
@@ -8,8 +9,6 @@ using platform::String;
 using platform::StringView;
 
 namespace {
-
-const wchar_t* wide(const String& text) { return reinterpret_cast<const wchar_t*>(text.c_str()); }
 
 class Key {
  public:

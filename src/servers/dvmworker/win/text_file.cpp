@@ -2,14 +2,13 @@
 
 #include "com/errors.h"
 #include "com/windows.h"
+#include "servers/common/win/wide.h"
 
 namespace servers::dvmworker {
 
 using platform::String;
 
 namespace {
-
-const wchar_t* wide(const String& text) { return reinterpret_cast<const wchar_t*>(text.c_str()); }
 
 class File {
  public:

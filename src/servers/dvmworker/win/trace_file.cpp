@@ -5,6 +5,7 @@
 
 #include "com/windows.h"
 #include "servers/common/win/settings.h"
+#include "servers/common/win/wide.h"
 #include "servers/modem/trace_log.h"
 
 namespace servers::dvmworker {
@@ -12,8 +13,6 @@ namespace servers::dvmworker {
 using platform::String;
 
 namespace {
-
-const wchar_t* widePath(const String& text) { return reinterpret_cast<const wchar_t*>(text.c_str()); }
 
 // Nothing that means something in a path; and COM3.txt would be the port itself, in whatever folder.
 String fileNameOf(const phone::LineName& name) {
@@ -37,8 +36,8 @@ class FilesOfPort final : public modem::TraceFiles {
   std::optional<std::uint64_t> open() noexcept override {
     // Others may read it meanwhile.
     if (file_ == INVALID_HANDLE_VALUE)
-      file_ = CreateFileW(widePath(paths_[0]), GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_ALWAYS,
-                          FILE_ATTRIBUTE_NORMAL, nullptr);
+      file_ = CreateFileW(wide(paths_[0]), GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL,
+                          nullptr);
     if (file_ == INVALID_HANDLE_VALUE) return std::nullopt;
     LARGE_INTEGER end{};
     if (!SetFilePointerEx(file_, {}, &end, FILE_END)) return std::nullopt;
@@ -51,7 +50,7 @@ class FilesOfPort final : public modem::TraceFiles {
   bool shift(int number) noexcept override {
     if (number == 0) close();
     const auto at = static_cast<std::size_t>(number);
-    return MoveFileExW(widePath(paths_[at]), widePath(paths_[at + 1]), MOVEFILE_REPLACE_EXISTING) != FALSE;
+    return MoveFileExW(wide(paths_[at]), wide(paths_[at + 1]), MOVEFILE_REPLACE_EXISTING) != FALSE;
   }
 
  private:
@@ -79,7 +78,7 @@ std::unique_ptr<phone::at::Trace> traceOf(const phone::LineName& name) {
   const String folder = settings::text(settings::workerKey, u"TraceFolder").value_or(String());
   if (folder.empty()) return nullptr;
   const bool everything = settings::number(settings::workerKey, u"TraceTexts").value_or(0) != 0;
-  CreateDirectoryW(widePath(folder), nullptr);
+  CreateDirectoryW(wide(folder), nullptr);
   auto log = std::make_shared<modem::TraceLog>(std::make_unique<FilesOfPort>(folder + u'\\' + fileNameOf(name)));
   return std::make_unique<phone::at::Trace>([log](std::string_view line) { log->write(stampOfNow(), line); },
                                             everything);
