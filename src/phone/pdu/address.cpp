@@ -43,7 +43,9 @@ std::u16string readDigits(OctetsView octets, std::size_t count) {
 }
 
 Address withType(std::uint8_t octet) {
-  return {.type = static_cast<NumberType>(octet >> 4 & 7), .plan = static_cast<std::uint8_t>(octet & 0xF), .value = {}};
+  Address address;
+  setType(address, octet);
+  return address;
 }
 
 }  // namespace
@@ -71,6 +73,11 @@ std::optional<Address> parseNumber(std::u16string_view typed) {
 
 std::uint8_t typeOctet(const Address& address) {
   return static_cast<std::uint8_t>(0x80 | static_cast<unsigned>(address.type) << 4 | (address.plan & 0xF));
+}
+
+void setType(Address& address, std::uint8_t typeOctet) {
+  address.type = static_cast<NumberType>(typeOctet >> 4 & 7);
+  address.plan = static_cast<std::uint8_t>(typeOctet & 0xF);
 }
 
 void appendAddress(Octets& pdu, const Address& address) {

@@ -45,6 +45,7 @@ std::optional<Address> parseNumber(std::u16string_view typed);
 
 // The type octet: 91, 81, D0 ...
 std::uint8_t typeOctet(const Address& address);
+void setType(Address& address, std::uint8_t typeOctet);
 
 // A sender or receiver, as a TPDU has it. The value must be what parseNumber() or a decoded PDU gives: at most 20
 // digits, or at most 11 letters of the 7-bit alphabet; longer ones are cut.

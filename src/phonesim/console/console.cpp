@@ -246,7 +246,7 @@ std::string Console::contact(const Words& words) {
   PhoneBook& book = handset_.contacts(place);
   const auto index = book.freeIndex();
   if (!index) throw ConsoleError("the phone book is full");
-  book.put(*index, {toUtf8(phone::shown(*number)), words[3]});
+  book.put(*index, {*number, words[3]});
   handset_.changed();
   return toUtf8(words[1]) + ' ' + std::to_string(*index);
 }
@@ -255,7 +255,8 @@ std::string Console::contacts(const Words&) {
   int count = 0;
   for (const auto& [name, place] : places) {
     for (const auto& [index, entry] : handset_.contacts(place).entries()) {
-      tell(toUtf8(name) + ' ' + std::to_string(index) + ' ' + entry.number + ' ' + inQuotes(entry.name));
+      tell(toUtf8(name) + ' ' + std::to_string(index) + ' ' + toUtf8(phone::shown(entry.number)) + ' ' +
+           inQuotes(entry.name));
       ++count;
     }
   }

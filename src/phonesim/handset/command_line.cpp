@@ -4,6 +4,8 @@
 #include <charconv>
 #include <utility>
 
+#include "phonesim/handset/answer_text.h"
+
 namespace phonesim {
 
 namespace {
@@ -45,7 +47,7 @@ std::optional<Argument> readArgument(std::string_view text) {
   text = trimmed(text);
   if (text.find('"') == text.npos) return Argument{std::string(text), false};
   if (text.size() < 2 || text.front() != '"' || text.find('"', 1) != text.size() - 1) return std::nullopt;
-  return Argument{std::string(text.substr(1, text.size() - 2)), true};
+  return Argument{fromConstant(text.substr(1, text.size() - 2)), true};
 }
 
 std::optional<std::vector<Argument>> readArguments(std::string_view text) {

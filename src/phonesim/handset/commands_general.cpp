@@ -1,15 +1,15 @@
 // Identity, SIM, radio and settings: ITU-T V.250 and 3GPP TS 27.007.
 #include <array>
-#include <cstdio>
 
-#include "phonesim/handset/commands.h"
+#include "phonesim/handset/answer_text.h"
+#include "phonesim/handset/number_setting.h"
 
 namespace phonesim {
 
 namespace {
 
-constexpr Result incorrectParameters = {Result::Kind::Error, ErrorFamily::Equipment, cme::incorrectParameters};
-constexpr Result notSupported = {Result::Kind::Error, ErrorFamily::Equipment, cme::operationNotSupported};
+constexpr Result incorrectParameters = equipmentRefusals.wrongValue;
+constexpr Result notSupported = equipmentRefusals.unknownForm;
 
 // ---- identity ----
 
@@ -37,36 +37,14 @@ std::string text(const Call& call, std::string_view ascii) {
 }
 
 Result ownNumber(const Call& call) {
-  const std::string& number = call.handset().identity().number;
-  const char* const type = number.starts_with('+') ? "145" : "129";
-  return tell(call, "+CNUM: ," + text(call, number) + ',' + type);
+  return tell(call, "+CNUM: ," + numberAndType(call.handset().number(), call.settings().characters));
 }
 
-// ---- settings that are a number ----
-
-Result numberSetting(const Call& call, int& value, int most) {
-  const std::string name = call.command.name + ": ";
-  switch (call.command.form) {
-    case Form::Test:
-      call.answer.line(name + "(0-" + std::to_string(most) + ')');
-      return Result::ok();
-    case Form::Read:
-      call.answer.line(name + std::to_string(value));
-      return Result::ok();
-    case Form::Set:
-      break;
-    case Form::Execute:
-      return notSupported;
-  }
-  const auto wanted = call.command.count() == 1 ? call.command.numberAt(0, 0, most) : std::nullopt;
-  if (!wanted) return incorrectParameters;
-  value = *wanted;
-  return Result::ok();
-}
+// ---- how it answers ----
 
 Result errorStyle(const Call& call) {
   int style = static_cast<int>(call.settings().errors);
-  const Result result = numberSetting(call, style, static_cast<int>(ErrorStyle::Words));
+  const Result result = settle(call, style, {.most = static_cast<int>(ErrorStyle::Words)});
   call.settings().errors = static_cast<ErrorStyle>(style);
   return result;
 }
@@ -132,7 +110,7 @@ Result signalQuality(const Call& call) {
 Result registration(const Call& call) {
   constexpr int withCell = 2;
   int& reports = call.settings().registrationReports;
-  if (call.command.form != Form::Read) return numberSetting(call, reports, withCell);
+  if (call.command.form != Form::Read) return settle(call, reports, {.most = withCell});
   call.answer.line("+CREG: " + std::to_string(reports) + ',' + call.port.registrationText());
   return Result::ok();
 }
@@ -140,7 +118,7 @@ Result registration(const Call& call) {
 // Packet data: it knows whether there is a network, and does nothing with it.
 Result packetRegistration(const Call& call) {
   int none = 0;
-  if (call.command.form != Form::Read) return numberSetting(call, none, 0);
+  if (call.command.form != Form::Read) return settle(call, none, {.most = 0});
   call.answer.line("+CGREG: 0," + std::to_string(static_cast<int>(call.handset().registration())));
   return Result::ok();
 }
@@ -231,11 +209,7 @@ Result activity(const Call& call) {
 Result clock(const Call& call) {
   if (call.command.form == Form::Test) return Result::ok();
   if (call.command.form != Form::Read) return Result::cme(cme::operationNotAllowed);
-  const phone::TimeStamp now = call.handset().time();
-  char line[80];
-  std::snprintf(line, sizeof line, "+CCLK: \"%02d/%02d/%02d,%02d:%02d:%02d%+03d\"", now.year % 100, now.month, now.day,
-                now.hour, now.minute, now.second, now.quarters.value_or(0));
-  call.answer.line(line);
+  call.answer.line("+CCLK: " + quotedTime(call.handset().time()));
   return Result::ok();
 }
 
@@ -247,7 +221,7 @@ Result lineSpeed(const Call& call) {
     call.answer.line("+IPR: (0),()");
     return Result::ok();
   }
-  return numberSetting(call, ignored, fastest);
+  return settle(call, ignored, {.most = fastest});
 }
 
 constexpr std::array general{

@@ -1,27 +1,27 @@
 // How messages are handled: format, memories, service centre, routing (3GPP TS 27.005, 3).
 #include <array>
 
+#include "phonesim/handset/answer_text.h"
 #include "phonesim/handset/message_arguments.h"
+#include "phonesim/handset/number_setting.h"
 #include "phonesim/handset/submit_bits.h"
 
 namespace phonesim {
 
 namespace {
 
-// Switches of text mode: +CMGF and +CSDH.
-Result messageSwitch(const Call& call, bool& value) {
-  const std::string name = call.command.name + ": ";
-  if (call.command.form == Form::Test) call.answer.line(name + "(0,1)");
-  if (call.command.form == Form::Read) call.answer.line(name + (value ? '1' : '0'));
-  if (call.command.form == Form::Test || call.command.form == Form::Read) return Result::ok();
-  const auto wanted = call.command.numberAt(0, 0, 1, 0);
-  if (!wanted || call.command.count() > 1) return invalidParameter(call);
-  value = *wanted == 1;
-  return Result::ok();
+// What is about text mode alone is a parameter of it in either format.
+Result invalidTextParameter() { return Result::cms(cms::invalidTextParameter); }
+
+Result settleSwitch(const Call& call, bool& value, Result wrongValue) {
+  int number = value ? 1 : 0;
+  const Result result = settle(call, number, {.most = 1, .absent = 0}, {unknownMessageForm(), wrongValue});
+  value = number == 1;
+  return result;
 }
 
-Result format(const Call& call) { return messageSwitch(call, call.settings().textMode); }
-Result details(const Call& call) { return messageSwitch(call, call.settings().details); }
+Result format(const Call& call) { return settleSwitch(call, call.settings().textMode, invalidParameter(call)); }
+Result details(const Call& call) { return settleSwitch(call, call.settings().details, invalidTextParameter()); }
 
 Result textParameters(const Call& call) {
   TextParameters wanted = call.settings().text;
@@ -33,15 +33,17 @@ Result textParameters(const Call& call) {
     call.answer.line(line);
     return Result::ok();
   }
-  if (call.command.form != Form::Set || call.command.count() > fields.size()) return invalidParameter(call);
+  if (call.command.form != Form::Set || call.command.count() > fields.size()) return invalidTextParameter();
   for (std::size_t i = 0; i < fields.size(); ++i) {
     const auto value = call.command.numberAt(i, 0, 255, *fields[i]);
-    if (!value) return invalidParameter(call);
+    if (!value) return invalidTextParameter();
     *fields[i] = *value;
   }
-  // Validity as a point in time is not offered.
+  // Validity as a point in time is not offered. In a Deliver those bits mean something else.
   const int validity = wanted.first & submit_bits::validity;
-  if (validity != 0 && validity != submit_bits::relativeValidity) return Result::cms(cms::operationNotSupported);
+  const bool submits = (wanted.first & submit_bits::type) == submit_bits::submit;
+  if (submits && validity != 0 && validity != submit_bits::relativeValidity)
+    return Result::cms(cms::operationNotSupported);
   call.settings().text = wanted;
   return Result::ok();
 }
@@ -120,9 +122,7 @@ Result centre(const Call& call) {
   Handset& handset = call.handset();
   if (call.command.form == Form::Test) return Result::ok();
   if (call.command.form == Form::Read) {
-    const std::string& number = handset.state().centre;
-    call.answer.line("+CSCA: \"" + inCharacterSet(number, call.settings().characters) +
-                     (number.starts_with('+') ? "\",145" : "\",129"));
+    call.answer.line("+CSCA: " + numberAndType(handset.centre(), call.settings().characters));
     return Result::ok();
   }
   if (call.command.form != Form::Set || call.command.count() > 2) return unknownMessageForm();
@@ -204,14 +204,7 @@ Result acknowledge(const Call& call) {
 }
 
 Result burst(const Call& call) {
-  int& value = call.settings().burst;
-  if (call.command.form == Form::Test) call.answer.line("+CMMS: (0-2)");
-  if (call.command.form == Form::Read) call.answer.line("+CMMS: " + std::to_string(value));
-  if (call.command.form == Form::Test || call.command.form == Form::Read) return Result::ok();
-  const auto wanted = call.command.form == Form::Set ? call.command.numberAt(0, 0, 2) : std::nullopt;
-  if (!wanted) return invalidParameter(call);
-  value = *wanted;
-  return Result::ok();
+  return settle(call, call.settings().burst, {.most = 2}, {unknownMessageForm(), invalidParameter(call)});
 }
 
 // Settings are not kept in profiles; saying that they are does no harm.

@@ -3,9 +3,9 @@
 
 #include "phone/pdu/deliver.h"
 #include "phone/pdu/hex.h"
-#include "phone/pdu/submit.h"
 #include "phonesim/handset/message_arguments.h"
 #include "phonesim/handset/submit_bits.h"
+#include "phonesim/handset/submit_pdu.h"
 
 namespace phonesim {
 
@@ -140,6 +140,11 @@ std::optional<Typed> readTyped(std::string_view digits, int length) {
   return Typed{std::move(*pdu), std::move(message)};
 }
 
+std::optional<Typed> decoded(Octets pdu, phone::PduKind kind) {
+  phone::Message message = phone::decodePdu(pdu);
+  return message.kind == kind ? std::optional(Typed{std::move(pdu), std::move(message)}) : std::nullopt;
+}
+
 // A message of text mode, with the parameters that +CSMP has set.
 std::optional<Typed> submitTyped(const Settings& settings, const phone::Address& to, std::string_view text) {
   const int validity = settings.text.first & submit_bits::validity;
@@ -147,10 +152,7 @@ std::optional<Typed> submitTyped(const Settings& settings, const phone::Address&
   if (validity != 0 && validity != submit_bits::relativeValidity) return std::nullopt;
   const auto data = typedData(text, settings.text, settings.characters);
   if (!data) return std::nullopt;
-  Octets pdu = submitFrom(settings.text, to, *data);
-  phone::Message message = phone::decodePdu(pdu);
-  if (message.kind != phone::PduKind::Submit) return std::nullopt;
-  return Typed{std::move(pdu), std::move(message)};
+  return decoded(submitFrom(settings.text, to, *data), phone::PduKind::Submit);
 }
 
 std::optional<int> announcedLength(const Call& call) {
@@ -234,19 +236,22 @@ Result writePdu(const Call& call) {
   return Result::prompt();
 }
 
-// As if it had been received: its sender is the number that was given.
+// As if it had been received: its sender is the number that was given. The first octet of +CSMP may still be the one
+// for sending.
 std::optional<Typed> deliverTyped(const Port& port, const phone::Address& from, std::string_view text) {
-  const auto typed = submitTyped(port.settings, from, text);
-  if (!typed) return std::nullopt;
-  const phone::Message& message = typed->message;
-  const Octets pdu = phone::encodeDeliver({.serviceCentre = port.handset().centre(),
-                                           .originator = from,
-                                           .protocolId = message.protocolId,
-                                           .dataCoding = message.dataCoding,
-                                           .timeStamp = port.handset().time(),
-                                           .data = message.data})
-                         .octets;
-  return Typed{pdu, phone::decodePdu(pdu)};
+  const TextParameters& parameters = port.settings.text;
+  const int type = parameters.first & submit_bits::type;
+  if (type != submit_bits::submit && type != submit_bits::deliver) return std::nullopt;
+  const auto data = typedData(text, parameters, port.settings.characters);
+  if (!data) return std::nullopt;
+  Octets pdu = phone::encodeDeliver({.serviceCentre = port.handset().centre(),
+                                     .originator = from,
+                                     .protocolId = static_cast<std::uint8_t>(parameters.protocol),
+                                     .dataCoding = static_cast<std::uint8_t>(parameters.coding),
+                                     .timeStamp = port.handset().time(),
+                                     .data = *data})
+                   .octets;
+  return decoded(std::move(pdu), phone::PduKind::Deliver);
 }
 
 // The number may be left out of a draft.
@@ -282,9 +287,8 @@ Result sendStored(const Call& call) {
   if (call.command.count() > 1 && !call.command.arguments[1].isEmpty()) {
     const auto other = numberIn(call, 1);
     if (!other) return invalidParameter(call);
+    pdu = withDestination(pdu, *other);
     message.peer = *other;
-    pdu = phone::encodeSubmit({message.serviceCentre, *other, std::nullopt, false}, message.dataCoding, message.data)
-              .octets;
   }
   const Result result = sendNow(call.port, call.answer, "+CMSS", pdu, message);
   // Found again: the message may have come back to this very handset, and moved others in their slots.

@@ -2,8 +2,8 @@
 #include <algorithm>
 #include <array>
 
-#include "phone/pdu/address.h"
-#include "phonesim/handset/commands.h"
+#include "phonesim/handset/answer_text.h"
+#include "phonesim/handset/message_arguments.h"
 
 namespace phonesim {
 
@@ -25,7 +25,7 @@ struct Chosen {
 void choose(const Call& call, Chosen& chosen) {
   const BookName name = call.settings().phoneBook;
   if (name == BookName::Own) {
-    chosen.own.put(1, {call.handset().identity().number, u""});
+    chosen.own.put(1, {call.handset().number(), u""});
     chosen.book = &chosen.own;
     chosen.size = 1;
     return;
@@ -62,9 +62,8 @@ Result phoneBook(const Call& call) {
 
 void tellEntry(const Call& call, int index, const Contact& contact) {
   const CharacterSet set = call.settings().characters;
-  call.answer.line(call.command.name + ": " + std::to_string(index) + ",\"" + inCharacterSet(contact.number, set) +
-                   (contact.number.starts_with('+') ? "\",145,\"" : "\",129,\"") + inCharacterSet(contact.name, set) +
-                   '"');
+  call.answer.line(call.command.name + ": " + std::to_string(index) + ',' + numberAndType(contact.number, set) + ',' +
+                   quotedText(contact.name, set));
 }
 
 Result readEntries(const Call& call) {
@@ -115,18 +114,11 @@ Result findEntries(const Call& call) {
 // The entry of +CPBW=<index>,<number>,<type>,<text>.
 Result readContact(const Call& call, Contact& contact) {
   const auto& arguments = call.command.arguments;
-  const CharacterSet set = call.settings().characters;
-  const std::string& typed = arguments[1].text;
-  auto number = phone::parseNumber(fromCharacterSet(typed, set).value_or(std::u16string(typed.begin(), typed.end())));
-  if (!number) return Result::cme(typed.size() > longestNumber ? cme::numberTooLong : cme::invalidNumber);
-  constexpr int anyType = 0;
-  const auto type = call.command.numberAt(2, 128, 255, anyType);
-  if (!type) return Result::cme(cme::incorrectParameters);
-  if (*type != anyType) number->type = static_cast<phone::NumberType>((*type >> 4) & 7);
-  if (number->type == phone::NumberType::Alphanumeric) return Result::cme(cme::incorrectParameters);
-  const std::u16string shown = phone::shown(*number);
-  contact.number.assign(shown.begin(), shown.end());
-  const auto name = fromCharacterSet(arguments.size() > 3 ? arguments[3].text : "", set);
+  const auto number = plainNumberIn(call, 1);
+  if (!number) return Result::cme(hasTooManyDigits(call, 1) ? cme::numberTooLong : cme::invalidNumber);
+  contact.number = *number;
+  if (!applyTypeIn(call, 2, contact.number)) return Result::cme(cme::incorrectParameters);
+  const auto name = fromCharacterSet(arguments.size() > 3 ? arguments[3].text : "", call.settings().characters);
   if (!name) return Result::cme(cme::invalidText);
   if (name->size() > longestName) return Result::cme(cme::textTooLong);
   contact.name = *name;

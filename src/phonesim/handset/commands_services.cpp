@@ -3,34 +3,26 @@
 #include <algorithm>
 #include <array>
 
-#include "phonesim/handset/commands.h"
+#include "phonesim/handset/number_setting.h"
 
 namespace phonesim {
 
 namespace {
 
-constexpr Result servicesUnsupported = {Result::Kind::Error, ErrorFamily::Equipment, cme::operationNotSupported};
-constexpr Result servicesIncorrect = {Result::Kind::Error, ErrorFamily::Equipment, cme::incorrectParameters};
+constexpr Result servicesUnsupported = equipmentRefusals.unknownForm;
+constexpr Result servicesIncorrect = equipmentRefusals.wrongValue;
 
-// A switch for something that never comes: a caller's number, a service message. `state` is what the network says of
-// it, behind the switch.
-Result announcement(const Call& call, int& value, const char* state) {
-  const std::string name = call.command.name + ": ";
-  if (call.command.form == Form::Test) call.answer.line(name + "(0,1)");
-  if (call.command.form == Form::Read) call.answer.line(name + std::to_string(value) + state);
-  if (call.command.form == Form::Test || call.command.form == Form::Read) return Result::ok();
-  if (call.command.form == Form::Execute) return servicesUnsupported;
-  const auto wanted = call.command.count() == 1 ? call.command.numberAt(0, 0, 1) : std::nullopt;
-  if (!wanted) return servicesIncorrect;
-  value = *wanted;
-  return Result::ok();
+// Switches for something that never comes: a caller's number, a service message. Behind the switch stands what the
+// network says of it.
+Result callerNumber(const Call& call) {
+  return settle(call, call.settings().services.caller, {.most = 1, .behind = ",1"});
 }
-
-Result callerNumber(const Call& call) { return announcement(call, call.settings().services.caller, ",1"); }
-Result calledNumber(const Call& call) { return announcement(call, call.settings().services.called, ",1"); }
-Result ringDetails(const Call& call) { return announcement(call, call.settings().services.ring, ""); }
+Result calledNumber(const Call& call) {
+  return settle(call, call.settings().services.called, {.most = 1, .behind = ",1"});
+}
+Result ringDetails(const Call& call) { return settle(call, call.settings().services.ring, {.most = 1}); }
 Result notices(const Call& call) {
-  auto& [caller, called, ring, codes, own, other] = call.settings().services;
+  auto& [caller, called, ring, codes, own, other, waiting] = call.settings().services;
   if (call.command.form == Form::Test) call.answer.line("+CSSN: (0,1),(0,1)");
   if (call.command.form == Form::Read) call.answer.line("+CSSN: " + std::to_string(own) + ',' + std::to_string(other));
   if (call.command.form == Form::Test || call.command.form == Form::Read) return Result::ok();
@@ -44,15 +36,12 @@ Result notices(const Call& call) {
 // Codes such as *100#: they may be wanted; there is nobody to send them to.
 Result serviceCodes(const Call& call) {
   int& value = call.settings().services.codes;
-  if (call.command.form == Form::Test) call.answer.line("+CUSD: (0-2)");
-  if (call.command.form == Form::Read) call.answer.line("+CUSD: " + std::to_string(value));
-  if (call.command.form == Form::Test || call.command.form == Form::Read) return Result::ok();
   constexpr int cancel = 2;
-  const auto wanted = call.command.form == Form::Set ? call.command.numberAt(0, 0, cancel, value) : std::nullopt;
-  if (!wanted) return servicesIncorrect;
   if (call.command.count() > 1) return servicesUnsupported;
-  if (*wanted != cancel) value = *wanted;
-  return Result::ok();
+  int wanted = value;
+  const Result result = settle(call, wanted, {.most = cancel, .absent = value});
+  if (wanted != cancel) value = wanted;
+  return result;
 }
 
 // ---- the SIM's lock ----
@@ -104,7 +93,7 @@ Result changePassword(const Call& call) {
                                                                         : Result::cme(cme::incorrectPassword);
 }
 
-// Nobody's calls are sent on.
+// Nobody's calls are sent on, and none waits: the network can be asked, and not be changed.
 Result callForwarding(const Call& call) {
   if (call.command.form == Form::Test) {
     call.answer.line("+CCFC: (0-5)");
@@ -118,10 +107,12 @@ Result callForwarding(const Call& call) {
 }
 
 Result callWaiting(const Call& call) {
-  if (call.command.form == Form::Test) call.answer.line("+CCWA: (0,1)");
-  if (call.command.form == Form::Test) return Result::ok();
-  if (call.command.form != Form::Set) return servicesUnsupported;
-  if (call.command.numberAt(1, 0, 2) != query) return Result::cme(cme::operationNotAllowed);
+  int& told = call.settings().services.waiting;
+  if (call.command.form != Form::Set || call.command.count() < 2) return settle(call, told, {.most = 1});
+  const auto tell = call.command.numberAt(0, 0, 1, told), mode = call.command.numberAt(1, unlock, query);
+  if (!tell || !mode || call.command.count() > 3) return servicesIncorrect;
+  if (*mode != query) return Result::cme(cme::operationNotAllowed);
+  told = *tell;
   call.answer.line("+CCWA: 0,7");
   return Result::ok();
 }

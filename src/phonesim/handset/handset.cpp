@@ -28,6 +28,7 @@ phone::Address addressOf(std::string_view number) {
 
 }  // namespace
 
+phone::Address Handset::number() const { return addressOf(identity_.number); }
 std::optional<phone::Address> Handset::centre() const { return phone::parseNumber(wide(state_.centre)); }
 
 Handset::Handset(Identity identity, State state, Network& network)
@@ -89,6 +90,10 @@ bool Handset::acknowledge(bool kept) {
 
 void Handset::detach(Port& port) {
   std::erase(ports_, &port);
+  giveUpAcknowledgement(port);
+}
+
+void Handset::giveUpAcknowledgement(const Port& port) {
   if (acknowledges_ != &port) return;
   acknowledge(false);
   deliverWaiting();
@@ -138,8 +143,8 @@ Handset::SendResult Handset::send(const Octets& pdu, const phone::Message& messa
   // Not worth writing the whole memory anew for: the next change takes it along.
   ++state_.reference;
   const phone::Deliver deliver{
-      .serviceCentre = message.serviceCentre ? message.serviceCentre : addressOf(state_.centre),
-      .originator = addressOf(identity_.number),
+      .serviceCentre = message.serviceCentre ? message.serviceCentre : centre(),
+      .originator = number(),
       .protocolId = message.protocolId,
       .dataCoding = message.dataCoding,
       .timeStamp = network_.time(),
@@ -152,7 +157,7 @@ Handset::SendResult Handset::send(const Octets& pdu, const phone::Message& messa
 
 void Handset::report(const phone::Message& message, std::uint8_t reference) {
   const phone::StatusReport report{
-      .serviceCentre = message.serviceCentre ? message.serviceCentre : addressOf(state_.centre),
+      .serviceCentre = message.serviceCentre ? message.serviceCentre : centre(),
       .reference = reference,
       .recipient = message.peer,
       .timeStamp = network_.time(),

@@ -84,6 +84,7 @@ class Handset {
   Handset(Identity identity, State state, Network& network);
 
   const Identity& identity() const { return identity_; }
+  phone::Address number() const;  // its own
   const State& state() const { return state_; }
   PhoneBook& contacts(Place place) { return state_.contacts.at(place); }
   Memories& memories() { return state_.memories; }
@@ -130,6 +131,8 @@ class Handset {
   // What a host says of the last message that it got directly (+CNMA). False when none is open.
   bool acknowledge(bool kept);
   bool awaitsAcknowledgement(const Port& port) const { return acknowledges_ == &port; }
+  // It will not come from there any more: the message goes elsewhere.
+  void giveUpAcknowledgement(const Port& port);
   phone::TimeStamp time() const { return network_.time(); }
 
   // ---- the SIM ----

@@ -1,13 +1,21 @@
 #include "phonesim/handset/message_arguments.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace phonesim {
 
 namespace {
 
-std::optional<phone::Address> plainNumber(const std::string& text, CharacterSet set) {
-  if (const auto plain = fromCharacterSet(text, set))
-    if (auto address = phone::parseNumber(*plain)) return address;
-  return phone::parseNumber(std::u16string(text.begin(), text.end()));
+// Both ways to read an argument, the likelier one first.
+std::vector<std::u16string> readings(const Call& call, std::size_t position) {
+  const auto& arguments = call.command.arguments;
+  if (position >= arguments.size()) return {};
+  const std::string& typed = arguments[position].text;
+  std::vector<std::u16string> texts;
+  if (auto text = fromCharacterSet(typed, call.settings().characters)) texts.push_back(std::move(*text));
+  texts.emplace_back(typed.begin(), typed.end());
+  return texts;
 }
 
 }  // namespace
@@ -16,18 +24,30 @@ Result invalidParameter(const Settings& settings) {
   return Result::cms(settings.textMode ? cms::invalidTextParameter : cms::invalidPduParameter);
 }
 
-std::optional<phone::Address> numberIn(const Call& call, std::size_t position) {
+std::optional<phone::Address> plainNumberIn(const Call& call, std::size_t position) {
+  for (const std::u16string& text : readings(call, position))
+    if (auto number = phone::parseNumber(text)) return number;
+  return std::nullopt;
+}
+
+bool hasTooManyDigits(const Call& call, std::size_t position) {
+  return std::ranges::any_of(readings(call, position), [](const std::u16string& text) {
+    return text.size() > phone::mostDigits && phone::parseNumber(text.substr(0, phone::mostDigits));
+  });
+}
+
+bool applyTypeIn(const Call& call, std::size_t position, phone::Address& number) {
   const auto& arguments = call.command.arguments;
-  if (position >= arguments.size()) return std::nullopt;
-  auto address = plainNumber(arguments[position].text, call.settings().characters);
-  const std::size_t behind = position + 1;
-  if (!address || behind >= arguments.size() || arguments[behind].isEmpty()) return address;
-  const auto type = call.command.numberAt(behind, 128, 255);
-  if (!type) return std::nullopt;
-  address->type = static_cast<phone::NumberType>((*type >> 4) & 7);
-  address->plan = static_cast<std::uint8_t>(*type & 0x0F);
-  if (address->type == phone::NumberType::Alphanumeric) return std::nullopt;
-  return address;
+  if (position >= arguments.size() || arguments[position].isEmpty()) return true;
+  const auto type = call.command.numberAt(position, 128, 255);
+  if (!type) return false;
+  phone::setType(number, static_cast<std::uint8_t>(*type));
+  return number.type != phone::NumberType::Alphanumeric;
+}
+
+std::optional<phone::Address> numberIn(const Call& call, std::size_t position) {
+  auto number = plainNumberIn(call, position);
+  return number && applyTypeIn(call, position + 1, *number) ? number : std::nullopt;
 }
 
 }  // namespace phonesim

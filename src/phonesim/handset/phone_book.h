@@ -6,12 +6,13 @@
 #include <optional>
 #include <string>
 
+#include "phone/pdu/address.h"
 #include "phonesim/handset/memory.h"
 
 namespace phonesim {
 
 struct Contact {
-  std::string number;  // as people write it
+  phone::Address number;
   std::u16string name;
   friend bool operator==(const Contact&, const Contact&) = default;
 };

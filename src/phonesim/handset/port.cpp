@@ -72,10 +72,13 @@ std::optional<Time> Port::nextOutput() const {
 void Port::restart() {
   settings = {};
   line_.clear();
+  lineTooLong_ = false;
   lastLine_.clear();
   rest_.clear();
   continuation_ = nullptr;
   withheld_.clear();
+  acknowledgeBy_.reset();
+  handset_.giveUpAcknowledgement(*this);
   announcements_ = {"RDY", "+CFUN: 1"};
   if (handset_.sim() == SimState::Ready) announcements_.emplace_back("+CPIN: READY");
 }
@@ -256,7 +259,7 @@ std::string Port::lengthAndPdu(const Octets& pdu) {
 }
 
 TextView Port::textView(const Octets& pdu) const {
-  return {pdu, settings.characters, settings.details, handset_.state().centre};
+  return {pdu, settings.characters, settings.details, handset_.centre()};
 }
 
 void Port::setRouting(const Routing& routing) {
@@ -286,8 +289,7 @@ void Port::expireAcknowledgement() {
   if (!handset_.awaitsAcknowledgement(*this)) return;
   settings.routing.messages = 0;
   settings.routing.reports = 0;
-  handset_.acknowledge(false);
-  handset_.deliverWaiting();
+  handset_.giveUpAcknowledgement(*this);
 }
 
 void Port::announceReport(const Octets& pdu) {

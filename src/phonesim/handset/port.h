@@ -54,7 +54,7 @@ struct Settings {
   Broadcasts broadcasts;  // +CSCB
   BookName phoneBook = BookName::Sim;
   struct Services {
-    int caller = 0, called = 0, ring = 0, codes = 0, own = 0, other = 0;
+    int caller = 0, called = 0, ring = 0, codes = 0, own = 0, other = 0, waiting = 0;
   };
   Services services;  // what is to be told of calls, should there be any
   Routing routing;

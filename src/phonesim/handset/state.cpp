@@ -67,6 +67,23 @@ bool readMessage(State& state, std::string_view rest) {
   return memory.slots.try_emplace(*slot, StoredPdu{static_cast<Status>(*status), std::move(*pdu)}).second;
 }
 
+std::string withType(const phone::Address& number) {
+  const std::u16string shown = phone::shown(number);
+  const std::string text(shown.begin(), shown.end());
+  if (phone::parseNumber(shown) == number) return text;
+  return text + '/' + std::to_string(phone::typeOctet(number));
+}
+
+std::optional<phone::Address> typedNumber(std::string_view text) {
+  const auto end = std::min(text.find('/'), text.size());
+  auto number = phone::parseNumber(std::u16string(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(end)));
+  if (!number || end == text.size()) return number;
+  const auto type = decimal<std::uint8_t>(text.substr(end + 1));
+  if (!type || *type < 128) return std::nullopt;
+  phone::setType(*number, *type);
+  return number->type == phone::NumberType::Alphanumeric ? std::nullopt : number;
+}
+
 bool readContact(State& state, std::string_view rest) {
   const auto place = placeNamed(takeWord(rest));
   const auto index = decimal<int>(takeWord(rest));
@@ -74,10 +91,11 @@ bool readContact(State& state, std::string_view rest) {
   const auto name = phone::fromHex(rest);
   if (!place || !index || *index < 1 || *index > PhoneBook::capacity || !name) return false;
   if (name->size() % 2 != 0 || name->size() > 2 * longestName) return false;
-  if (!isPlainWord(number) || !phone::parseNumber(std::u16string(number.begin(), number.end()))) return false;
+  const auto read = isPlainWord(number) ? typedNumber(number) : std::nullopt;
+  if (!read) return false;
   PhoneBook& book = state.contacts.at(*place);
   if (book.entries().contains(*index)) return false;
-  book.put(*index, {std::string(number), phone::fromUcs2(*name)});
+  book.put(*index, {*read, phone::fromUcs2(*name)});
   return true;
 }
 
@@ -140,8 +158,8 @@ std::string toText(const State& state) {
   }
   for (const Place place : {Place::Phone, Place::Sim}) {
     for (const auto& [index, contact] : state.contacts.at(place).entries()) {
-      text += "contact " + std::string(nameOf(place)) + ' ' + std::to_string(index) + ' ' + contact.number + ' ' +
-              phone::toHex(phone::toUcs2(contact.name)) + '\n';
+      text += "contact " + std::string(nameOf(place)) + ' ' + std::to_string(index) + ' ' + withType(contact.number) +
+              ' ' + phone::toHex(phone::toUcs2(contact.name)) + '\n';
     }
   }
   if (state.unacknowledged) text += "waiting " + phone::toHex(*state.unacknowledged) + '\n';

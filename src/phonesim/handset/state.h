@@ -11,7 +11,8 @@
 //   taken 77A0C1D2E3F40516
 //
 // "message": memory, slot, status (3GPP TS 27.005, 3.1), PDU in hexadecimal with the service centre in front.
-// "contact": phone book, entry, number, name in hexadecimal (UCS-2).
+// "contact": phone book, entry, number, name in hexadecimal (UCS-2). A type that the number does not tell by itself
+// stands behind it, 0701234567/161.
 // "waiting": a message that arrived and found no room. "travelling": a message for another handset that could not be
 // reached yet: its number, a mark that keeps it from being taken twice, the PDU that it will receive. "taken": the mark
 // of one that another handset has sent.

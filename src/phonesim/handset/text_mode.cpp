@@ -1,12 +1,12 @@
 #include "phonesim/handset/text_mode.h"
 
 #include <array>
-#include <cstdio>
 #include <utility>
 
 #include "phone/pdu/hex.h"
 #include "phone/text/gsm_alphabet.h"
 #include "phone/text/septets.h"
+#include "phonesim/handset/answer_text.h"
 #include "phonesim/handset/submit_bits.h"
 
 namespace phonesim {
@@ -44,12 +44,10 @@ std::optional<int> statusNamed(std::string_view word) {
   return std::nullopt;
 }
 
-TextView::TextView(const Octets& pdu, CharacterSet characters, bool details, std::string_view centre)
+TextView::TextView(const Octets& pdu, CharacterSet characters, bool details,
+                   const std::optional<phone::Address>& centre)
     : message_(phone::decodePdu(pdu)), characters_(characters), details_(details), centre_(centre) {
-  if (message_.serviceCentre) {
-    const std::u16string shown = phone::shown(*message_.serviceCentre);
-    centre_.assign(shown.begin(), shown.end());
-  }
+  if (message_.serviceCentre) centre_ = message_.serviceCentre;
   // Better its octets than nothing.
   if (message_.kind == phone::PduKind::Undecodable) message_.data.octets = pdu;
 }
@@ -75,21 +73,17 @@ std::string TextView::arrived() const {
 
 std::string TextView::reported() const {
   return std::to_string(message_.firstOctet) +
-         joined({std::to_string(message_.reference), number(message_.peer),
-                 std::to_string(phone::typeOctet(message_.peer)), time(message_.timeStamp),
-                 time(message_.dischargeTime), std::to_string(message_.reportStatus.value_or(0))});
+         joined({std::to_string(message_.reference), numberAndType(message_.peer, characters_),
+                 time(message_.timeStamp), time(message_.dischargeTime),
+                 std::to_string(message_.reportStatus.value_or(0))});
 }
 
 std::string TextView::number(const phone::Address& address) const {
-  return '"' + inCharacterSet(phone::shown(address), characters_) + '"';
+  return quotedText(phone::shown(address), characters_);
 }
 
 std::string TextView::time(const std::optional<phone::TimeStamp>& stamp) const {
-  if (!stamp) return "";
-  std::array<char, 80> text{};
-  std::snprintf(text.data(), text.size(), "\"%02d/%02d/%02d,%02d:%02d:%02d%+03d\"", stamp->year % 100, stamp->month,
-                stamp->day, stamp->hour, stamp->minute, stamp->second, stamp->quarters.value_or(0));
-  return text.data();
+  return stamp ? quotedTime(*stamp) : "";
 }
 
 // What +CSDH=1 shows besides.
@@ -99,8 +93,7 @@ std::string TextView::header() const {
                              std::to_string(message_.protocolId), std::to_string(message_.dataCoding)});
   if (message_.kind == phone::PduKind::Submit)
     text += ',' + (message_.validity ? std::to_string(*message_.validity) : std::string());
-  return text + joined({'"' + inCharacterSet(centre_, characters_) + '"', centre_.starts_with('+') ? "145" : "129",
-                        std::to_string(message_.data.length)});
+  return text + joined({numberAndType(centre_, characters_), std::to_string(message_.data.length)});
 }
 
 std::string TextView::body() const {
@@ -127,22 +120,6 @@ std::optional<phone::UserData> typedData(std::string_view typed, const TextParam
   constexpr std::size_t bits = 8, bitsOfSeptet = 7;
   data.length = static_cast<std::uint8_t>(septets ? data.octets.size() * bits / bitsOfSeptet : data.octets.size());
   return data;
-}
-
-Octets submitFrom(const TextParameters& parameters, const phone::Address& destination, const phone::UserData& data) {
-  const auto octet = [](int value) { return static_cast<std::uint8_t>(value); };
-  Octets pdu;
-  phone::appendServiceCentre(pdu, std::nullopt);
-  pdu.push_back(octet(parameters.first));
-  pdu.push_back(0);  // the reference, which the handset fills in
-  phone::appendAddress(pdu, destination);
-  pdu.push_back(octet(parameters.protocol));
-  pdu.push_back(octet(parameters.coding));
-  if ((parameters.first & submit_bits::validity) == submit_bits::relativeValidity)
-    pdu.push_back(octet(parameters.validity));
-  pdu.push_back(data.length);
-  pdu.insert(pdu.end(), data.octets.begin(), data.octets.end());
-  return pdu;
 }
 
 }  // namespace phonesim

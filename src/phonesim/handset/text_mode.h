@@ -29,7 +29,7 @@ std::optional<int> statusNamed(std::string_view word);
 class TextView {
  public:
   // `details` as +CSDH chose; `centre` is the one that the SIM knows.
-  TextView(const Octets& pdu, CharacterSet characters, bool details, std::string_view centre);
+  TextView(const Octets& pdu, CharacterSet characters, bool details, const std::optional<phone::Address>& centre);
 
   std::string listed(Status status) const;  // behind the index of +CMGL
   std::string read(Status status) const;    // behind +CMGR
@@ -45,14 +45,11 @@ class TextView {
   phone::Message message_;
   CharacterSet characters_;
   bool details_;
-  std::string centre_;
+  std::optional<phone::Address> centre_;
 };
 
 // The user data in what was typed: text in the character set, or hexadecimal when the coding is not the 7-bit alphabet
 // or there is a header. Nothing when it is too long, or not in that form.
 std::optional<phone::UserData> typedData(std::string_view typed, const TextParameters& parameters, CharacterSet set);
-
-// A Submit; whether its parameters make sense is decodePdu()'s business.
-Octets submitFrom(const TextParameters& parameters, const phone::Address& destination, const phone::UserData& data);
 
 }  // namespace phonesim

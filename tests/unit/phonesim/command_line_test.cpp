@@ -38,6 +38,13 @@ TEST(CommandLine, Arguments_MayBeQuotedLeftOutAndSurroundedByBlanks) {
   EXPECT_EQ(only("+CMGD="), (Invocation{"+CMGD", Form::Set, {}, {{"", false}}}));
 }
 
+TEST(CommandLine, CodesInQuotes_StandForWhatCannotStandThere) {
+  EXPECT_EQ(only(R"(+CPBF="\22\0d\0A\5C22")"), (Invocation{"+CPBF", Form::Set, {}, {{"\"\r\n\\22", true}}}));
+  // Of other octets there is no need to speak in codes; without quotes nothing is one.
+  EXPECT_EQ(only(R"(+CPBF="\41\2")"), (Invocation{"+CPBF", Form::Set, {}, {{"\\41\\2", true}}}));
+  EXPECT_EQ(only(R"(+CPBF=\22)"), (Invocation{"+CPBF", Form::Set, {}, {{"\\22", false}}}));
+}
+
 TEST(CommandLine, SeveralCommands_AreTakenOneByOne) {
   std::string_view body = "E0V1+CMEE=1;+CREG=2;S3?&F";
   EXPECT_EQ(takeCommand(body), (Invocation{"E", Form::Execute, 0, {}}));

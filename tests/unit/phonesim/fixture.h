@@ -22,6 +22,7 @@ inline constexpr char deliverPdu[] = "07916407000000F0040B916407000000F100006220
 inline constexpr char deliverClass2[] = "07916407000000F0040B916407000000F10012622030405060400AE8329BFD4697D9EC37";
 inline constexpr char deliverClass3[] = "07916407000000F0040B916407000000F10013622030405060400AE8329BFD4697D9EC37";
 
+inline phone::Address number(std::u16string_view typed) { return phone::parseNumber(typed).value(); }
 inline Octets octets(std::string_view hex) { return phone::fromHex(hex).value(); }
 
 class RecordingNetwork : public Network {

@@ -235,6 +235,29 @@ TEST_F(MessagesTest, SendStored_SendsAndMarksItSent) {
   EXPECT_EQ(network.taken[1].text, u"hellohello");
 }
 
+TEST_F(MessagesTest, SendStored_ToAnotherNumberChangesNothingElse) {
+  // By way of +46705, with a report and a validity until a point in time, protocol 0x41, class 1.
+  const std::string before =
+                        "04916407F5"
+                        "39"
+                        "00",
+                    behind =
+                        "41"
+                        "F1"
+                        "62203040506040"
+                        "0AE8329BFD4697D9EC37";
+  put(Place::Sim, 1, Status::StoredUnsent, before + "0B916407281553F8" + behind);
+  EXPECT_EQ(ask("AT+CMSS=1,\"0701\",129"), "+CMSS: 1|OK|");
+  ASSERT_THAT(network.taken, SizeIs(1));
+  EXPECT_EQ(phone::toHex(network.taken[0].submit), before + "04817010" + behind);
+  EXPECT_EQ(network.taken[0].destination, "0701");
+}
+
+TEST_F(MessagesTest, TextParameters_AreOnesOfTextModeInEitherFormat) {
+  for (const char* const wrong : {"AT+CSMP=256", "AT+CSMP", "AT+CSDH=2", "AT+CSDH=0,1"})
+    EXPECT_EQ(ask(wrong), "+CMS ERROR: 305|") << wrong;
+}
+
 TEST_F(MessagesTest, Memories_AreChosenWithOneToThreeNamesAndAlwaysSixNumbersAnswer) {
   put(Place::Phone, 1, Status::ReceivedRead, deliverPdu);
   EXPECT_EQ(ask("AT+CPMS=?"), "+CPMS: (\"SM\",\"ME\",\"MT\"),(\"SM\",\"ME\",\"MT\"),(\"SM\",\"ME\",\"MT\")|OK|");
@@ -321,7 +344,9 @@ TEST_F(MessagesTest, HarmlessSettings) {
   EXPECT_EQ(ask("AT+CSMS?"), "+CSMS: 1,1,1,0|OK|");
   EXPECT_EQ(ask("AT+CSMS=2"), "+CMS ERROR: 304|");
   EXPECT_EQ(ask("AT+CMMS=2;+CMMS?"), "+CMMS: 2|OK|");
-  EXPECT_EQ(ask("AT+CMMS=3"), "+CMS ERROR: 304|");
+  for (const char* const wrong : {"AT+CMMS=3", "AT+CMMS=1,2", "AT+CMMS="})
+    EXPECT_EQ(ask(wrong), "+CMS ERROR: 304|") << wrong;
+  EXPECT_EQ(ask("AT+CMMS"), "+CMS ERROR: 303|");
   EXPECT_EQ(ask("AT+CSAS;+CRES;+CSAS=1"), "OK|");
 }
 

@@ -52,6 +52,44 @@ TEST_F(PhoneBookTest, WhatIsNoEntry_IsRefused) {
   EXPECT_EQ(handset.contacts(Place::Sim).used(), 0);
 }
 
+TEST_F(PhoneBookTest, Number_MayComePlainInAnyCharacterSet) {
+  ask("AT+CSCS=\"UCS2\"");
+  // Eight digits could be two characters, were these letters of a number.
+  EXPECT_EQ(ask("AT+CPBW=1,\"46701234\",145,\"0041\";+CPBW=2,\"+46701\",145;+CPBW=3,\"00340036\",129"), "OK|");
+  const auto& entries = handset.contacts(Place::Sim).entries();
+  EXPECT_EQ(entries.at(1).number, number(u"+46701234"));
+  EXPECT_EQ(entries.at(2).number, number(u"+46701"));
+  EXPECT_EQ(entries.at(3).number, number(u"46"));
+}
+
+TEST_F(PhoneBookTest, NumberThatIsTooLong_IsToldFromOneThatIsNone) {
+  ask("AT+CSCS=\"UCS2\"");
+  std::string twenty = "002B";
+  for (int i = 0; i < 20; ++i) twenty += "0034";
+  EXPECT_EQ(ask("AT+CPBW=1,\"" + twenty + "\""), "OK|");
+  EXPECT_EQ(ask("AT+CPBW=1,\"" + twenty + "0034\""), "+CME ERROR: 26|");
+  EXPECT_EQ(ask("AT+CPBW=1,\"123456789012345678901\""), "+CME ERROR: 26|");
+  EXPECT_EQ(ask("AT+CPBW=1,\"0041006E006E0061006C006900730061\""), "+CME ERROR: 27|");
+}
+
+TEST_F(PhoneBookTest, Type_IsKept) {
+  EXPECT_EQ(ask("AT+CPBW=1,\"0701\",161,\"A\";+CPBW=2,\"+4670\",129;+CPBW=3,\"4670\",255"), "OK|");
+  EXPECT_EQ(ask("AT+CPBR=1,3"), R"(+CPBR: 1,"0701",161,"A"|+CPBR: 2,"4670",129,""|+CPBR: 3,"4670",255,""|OK|)");
+}
+
+// The backslash's code is a letter of the 7-bit alphabet.
+TEST_F(PhoneBookTest, NameWithQuotesAndLineEnds_ComesBackWhole) {
+  EXPECT_EQ(ask(R"(AT+CPBW=1,"1",129,"\22Bo\22\0d\0ACo")"), "OK|");
+  const auto& name = [this]() -> const std::u16string& { return handset.contacts(Place::Sim).entries().at(1).name; };
+  EXPECT_EQ(name(), u"\"Bo\"\r\nCo");
+  EXPECT_EQ(ask("AT+CPBR=1"), R"(+CPBR: 1,"1",129,"\22Bo\22\0D\0ACo"|OK|)");
+  EXPECT_EQ(ask(R"(AT+CPBW=1,"1",129,"\be 5\5C22 \")"), "OK|");
+  EXPECT_EQ(name(), u"\u00D6be 5\u00D622 \u00D6");
+  EXPECT_EQ(ask("AT+CPBR=1"), R"(+CPBR: 1,"1",129,"\be 5\5C22 \"|OK|)");
+  ask("AT+CSCS=\"UCS2\"");
+  EXPECT_EQ(ask("AT+CPBW=1,\"1\",129,\"00220031\";+CPBR=1"), "+CPBR: 1,\"0031\",129,\"00220031\"|OK|");
+}
+
 TEST_F(PhoneBookTest, Full_IsFull) {
   for (int i = 1; i <= PhoneBook::capacity; ++i) ASSERT_EQ(ask("AT+CPBW=,\"1\""), "OK|");
   EXPECT_EQ(ask("AT+CPBW=,\"1\""), "+CME ERROR: 20|");
@@ -68,7 +106,7 @@ TEST_F(PhoneBookTest, Find_GivesNamesThatBeginLikeThat) {
 
 TEST_F(PhoneBookTest, Names_AreInTheCharacterSetThatWasChosen) {
   EXPECT_EQ(ask("AT+CSCS=\"UCS2\";+CPBW=1,\"002B00340036\",145,\"00C5042F\""), "OK|");
-  EXPECT_EQ(handset.contacts(Place::Sim).entries().at(1), (Contact{"+46", u"\u00C5\u042F"}));
+  EXPECT_EQ(handset.contacts(Place::Sim).entries().at(1), (Contact{number(u"+46"), u"\u00C5\u042F"}));
   EXPECT_EQ(ask("AT+CPBR=1"), "+CPBR: 1,\"002B00340036\",145,\"00C5042F\"|OK|");
   EXPECT_EQ(ask("AT+CSCS=\"HEX\";+CPBR=1"), "+CPBR: 1,\"2B3436\",145,\"0E3F\"|OK|");  // the alphabet lacks the second
   EXPECT_EQ(ask("AT+CSCS=\"IRA\";+CPBR=1"), "+CPBR: 1,\"+46\",145,\"??\"|OK|");

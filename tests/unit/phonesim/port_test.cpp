@@ -233,6 +233,26 @@ TEST_F(PortTest, Restart_LosesSettingsAndWhatWasHalfDone) {
   EXPECT_EQ(type("AT\r"), "AT\r\r\nOK\r\n");
 }
 
+TEST_F(PortTest, Restart_ForgetsALineThatWasTooLong) {
+  quiet();
+  EXPECT_EQ(type(std::string(2000, 'x')), "");
+  port.restart();
+  heard();
+  EXPECT_EQ(type("AT\r"), "AT\r\r\nOK\r\n");
+}
+
+TEST_F(PortTest, Restart_LeavesWhatWasNotAcknowledgedForTheMemory) {
+  quiet();
+  EXPECT_EQ(ask("AT+CSMS=1;+CNMI=2,2"), "+CSMS: 1,1,0|OK|");
+  EXPECT_EQ(handset.deliver(octets(deliverPdu)), Handset::Arrival::Direct);
+  heard();
+  port.restart();
+  EXPECT_EQ(handset.memories().used(View::Sim), 1);
+  heard();
+  EXPECT_EQ(port.nextOutput(), std::nullopt);
+  EXPECT_EQ(type("AT+CNMA\r"), "AT+CNMA\r\r\nERROR\r\n");
+}
+
 TEST_F(PortTest, FloodWhileBusy_IsBounded) {
   quiet();
   handset.faults().lateAnswers = 1;

@@ -13,6 +13,8 @@ TEST_F(ServicesTest, Announcements_CanBeAskedFor) {
   for (const char* const wrong : {"AT+CLIP=2", "AT+CLIP=1,1", "AT+CRC=x", "AT+CSSN=2", "AT+CSSN", "AT+CUSD=3"})
     EXPECT_EQ(ask(wrong), "+CME ERROR: 50|") << wrong;
   EXPECT_EQ(ask("AT+CUSD=2;+CUSD?"), "+CUSD: 1|OK|");
+  EXPECT_EQ(ask("AT+CLIP=?;+CUSD=?"), "+CLIP: (0,1)|+CUSD: (0-2)|OK|");
+  EXPECT_EQ(ask("AT+CLIP"), "+CME ERROR: 4|");
 }
 
 TEST_F(ServicesTest, WhatNeedsANetworkWithCalls_IsRefused) {
@@ -22,6 +24,11 @@ TEST_F(ServicesTest, WhatNeedsANetworkWithCalls_IsRefused) {
   EXPECT_EQ(ask("AT+CCFC=9,2"), "+CME ERROR: 50|");
   EXPECT_EQ(ask("AT+CCWA=1,2"), "+CCWA: 0,7|OK|");
   EXPECT_EQ(ask("AT+CCWA=1,1"), "+CME ERROR: 3|");
+  EXPECT_EQ(ask("AT+CCWA?;+CCWA=0;+CCWA?"), "+CCWA: 1|+CCWA: 0|OK|");
+  EXPECT_EQ(ask("AT+CCWA=1,2,1;+CCWA?"), "+CCWA: 0,7|+CCWA: 1|OK|");
+  for (const char* const wrong : {"AT+CCWA=2", "AT+CCWA=2,2", "AT+CCWA=1,3", "AT+CCWA=1,2,1,1", "AT+CCWA=x,2"})
+    EXPECT_EQ(ask(wrong), "+CME ERROR: 50|") << wrong;
+  EXPECT_EQ(ask("AT+CCWA"), "+CME ERROR: 4|");
   EXPECT_EQ(ask("AT+CLIR?;+CLIR=0"), "+CLIR: 0,0|OK|");
   EXPECT_EQ(ask("AT+CLIR=1"), "+CME ERROR: 4|");
   EXPECT_EQ(ask("AT+CLCC"), "OK|");

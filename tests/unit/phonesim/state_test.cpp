@@ -19,7 +19,7 @@ constexpr char full[] =
     "message ME 4 2 AABB\n"
     "message SM 1 0 01\n"
     "message SM 3 3 0203\n"
-    "contact ME 100 0701 \n"
+    "contact ME 100 0701/161 \n"
     "contact SM 2 +46701234567 0041006E006E0061\n"
     "waiting 0405\n"
     "travelling +46701 8C5B 0607\n"
@@ -38,8 +38,9 @@ TEST(StateTest, Text_ComesBackTheSame) {
   EXPECT_EQ(toText(state), full);
   EXPECT_EQ(state.reference, 255);
   EXPECT_EQ(state.memories.at(Place::Sim).slots.at(3), (StoredPdu{Status::StoredSent, {2, 3}}));
-  EXPECT_EQ(state.contacts.at(Place::Sim).entries().at(2), (Contact{"+46701234567", u"Anna"}));
-  EXPECT_EQ(state.contacts.at(Place::Phone).entries().at(100), (Contact{"0701", u""}));
+  EXPECT_EQ(state.contacts.at(Place::Sim).entries().at(2), (Contact{number(u"+46701234567"), u"Anna"}));
+  EXPECT_EQ(state.contacts.at(Place::Phone).entries().at(100),
+            (Contact{{phone::NumberType::National, phone::planTelephone, u"0701"}, u""}));
   EXPECT_THAT(state.travelling, ElementsAre(Travelling{"+46701", "8C5B", {6, 7}}));
 }
 
@@ -70,6 +71,11 @@ TEST(StateTest, HostileLines_ArePassedOver) {
                                  "contact SM 0 +4670 0041",
                                  "contact SM 101 +4670 0041",
                                  "contact SM 1 x 0041",
+                                 "contact SM 1 +4670/ 0041",
+                                 "contact SM 1 +4670/127 0041",
+                                 "contact SM 1 +4670/256 0041",
+                                 "contact SM 1 4670/209 0041",
+                                 "contact SM 1 4670/129/1 0041",
                                  "contact SM 1 +4670 00",
                                  "contact SM 1 +4670 x",
                                  "contact MT 1 +4670 0041",

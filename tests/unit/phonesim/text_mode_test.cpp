@@ -196,6 +196,25 @@ TEST_F(TextModeTest, Write_KeepsDraftsAndReceivedMessages) {
     EXPECT_EQ(ask(wrong), "+CMS ERROR: 305|") << wrong;
 }
 
+TEST_F(TextModeTest, Write_OfAReceivedMessageTakesTheFirstOctetOfOne) {
+  EXPECT_EQ(ask("AT+CSMP=12,,5,240"), "OK|");  // whose fourth bit is no validity
+  EXPECT_EQ(give("AT+CMGW=\"+46700000001\",145,\"REC READ\"", "hellohello"), "+CMGW: 1|OK|");
+  EXPECT_EQ(phone::toHex(handset.memories().at(Place::Sim).slots.at(1).pdu),
+            "07916407000000F0040B916407000000F105F0622030405060400AE8329BFD4697D9EC37");
+  EXPECT_EQ(give("AT+CMGW=\"+46700000001\",145,\"STO SENT\"", "hellohello"), "+CMS ERROR: 305|");
+  ask("AT+CSMP=2");  // a report
+  EXPECT_EQ(give("AT+CMGW=\"+46700000001\",145,\"REC READ\"", "hellohello"), "+CMS ERROR: 305|");
+}
+
+TEST_F(TextModeTest, Sender_WithAQuotationMarkStaysOneParameter) {
+  // From "a"b".
+  put(Place::Sim, 1, Status::ReceivedRead,
+      "000406D0619118"
+      "0000"
+      "622030405060400AE8329BFD4697D9EC37");
+  EXPECT_EQ(ask("AT+CMGR=1"), "+CMGR: \"REC READ\",\"a\\22b\",," + std::string(stamp) + "\r\nhellohello|OK|");
+}
+
 TEST_F(TextModeTest, Arriving_ComesInWordsToo) {
   ask("AT+CNMI=2,2,0,1");
   EXPECT_EQ(handset.deliver(octets(deliverPdu)), Handset::Arrival::Direct);
