@@ -42,7 +42,8 @@ struct Settings {
   View writing = View::Sim;  // mem2
   int smsService = 0;        // +CSMS
   int burst = 0;             // +CMMS
-  int registrationReports = 0;
+  int registrationReports = 0;        // +CREG
+  int packetRegistrationReports = 0;  // +CGREG
   int operatorFormat = 0;
   bool textMode = false;  // +CMGF
   bool details = false;   // +CSDH
@@ -130,8 +131,8 @@ class Port {
   // A PDU as this port tells it.
   TextView textView(const Octets& pdu) const;
   static std::string lengthAndPdu(const Octets& pdu);
-  // The state, and the cell when +CREG wants to know.
-  std::string registrationText() const;
+  // The state, and the cell for reports that are to tell it.
+  std::string registrationText(int reports) const;
   void setRouting(const Routing& routing);
 
  private:
