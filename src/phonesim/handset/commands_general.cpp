@@ -107,20 +107,18 @@ Result signalQuality(const Call& call) {
   return tell(call, "+CSQ: " + std::to_string(signal) + (signal == 99 ? ",99" : ",0"));
 }
 
-Result registration(const Call& call) {
+Result registrationSetting(const Call& call, int& reports) {
   constexpr int withCell = 2;
-  int& reports = call.settings().registrationReports;
   if (call.command.form != Form::Read) return settle(call, reports, {.most = withCell});
-  call.answer.line("+CREG: " + std::to_string(reports) + ',' + call.port.registrationText());
+  call.answer.line(call.command.name + ": " + std::to_string(reports) + ',' + call.port.registrationText(reports));
   return Result::ok();
 }
 
+Result registration(const Call& call) { return registrationSetting(call, call.settings().registrationReports); }
+
 // Packet data: it knows whether there is a network, and does nothing with it.
 Result packetRegistration(const Call& call) {
-  int none = 0;
-  if (call.command.form != Form::Read) return settle(call, none, {.most = 0});
-  call.answer.line("+CGREG: 0," + std::to_string(static_cast<int>(call.handset().registration())));
-  return Result::ok();
+  return registrationSetting(call, call.settings().packetRegistrationReports);
 }
 
 constexpr std::array<std::string_view, 3> operatorNames{"Simulated network", "SimNet", "00101"};

@@ -303,13 +303,17 @@ void Port::announceStored(Slot slot) {
 }
 
 void Port::announceRegistration() {
-  if (settings.registrationReports > 0) announce("+CREG: " + registrationText());
+  const auto announceIfWanted = [this](const char* name, int reports) {
+    if (reports > 0) announce(name + registrationText(reports));
+  };
+  announceIfWanted("+CREG: ", settings.registrationReports);
+  announceIfWanted("+CGREG: ", settings.packetRegistrationReports);
 }
 
-std::string Port::registrationText() const {
+std::string Port::registrationText(int reports) const {
   constexpr int withCell = 2;
   std::string text = std::to_string(static_cast<int>(handset_.registration()));
-  if (settings.registrationReports == withCell && handset_.isRegistered()) text += R"(,"0001","0001")";
+  if (reports == withCell && handset_.isRegistered()) text += R"(,"0001","0001")";
   return text;
 }
 

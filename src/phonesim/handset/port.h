@@ -38,11 +38,12 @@ struct Settings {
   bool quiet = false;
   ErrorStyle errors = ErrorStyle::Plain;
   CharacterSet characters = CharacterSet::Gsm;
-  View listing = View::Sim;  // mem1 of +CPMS, as it was asked for
-  View writing = View::Sim;  // mem2
-  int smsService = 0;        // +CSMS
-  int burst = 0;             // +CMMS
-  int registrationReports = 0;
+  View listing = View::Sim;           // mem1 of +CPMS, as it was asked for
+  View writing = View::Sim;           // mem2
+  int smsService = 0;                 // +CSMS
+  int burst = 0;                      // +CMMS
+  int registrationReports = 0;        // +CREG
+  int packetRegistrationReports = 0;  // +CGREG
   int operatorFormat = 0;
   bool textMode = false;  // +CMGF
   bool details = false;   // +CSDH
@@ -130,8 +131,8 @@ class Port {
   // A PDU as this port tells it.
   TextView textView(const Octets& pdu) const;
   static std::string lengthAndPdu(const Octets& pdu);
-  // The state, and the cell when +CREG wants to know.
-  std::string registrationText() const;
+  // The state, and the cell for reports that are to tell it.
+  std::string registrationText(int reports) const;
   void setRouting(const Routing& routing);
 
  private:

@@ -34,6 +34,17 @@ TEST_F(SettingsTest, Radio_TellsSignalRegistrationAndOperator) {
   EXPECT_EQ(ask("AT+COPS=1,2,\"00101\";+CREG?"), "+CREG: 2,1,\"0001\",\"0001\"|OK|+CREG: 1,\"0001\",\"0001\"|");
 }
 
+TEST_F(SettingsTest, PacketRegistration_IsReportedByItself) {
+  EXPECT_EQ(ask("AT+CGREG=?;+CGREG?"), "+CGREG: (0-2)|+CGREG: 0,1|OK|");
+  EXPECT_EQ(ask("AT+CGREG=3"), "+CME ERROR: 50|");
+  EXPECT_EQ(ask("AT+CGREG=2;+CGREG?;+CREG?"), "+CGREG: 2,1,\"0001\",\"0001\"|+CREG: 0,1|OK|");
+  handset.setRegistration(Registration::Searching);
+  EXPECT_EQ(lines(heard()), "+CGREG: 2|");
+  EXPECT_EQ(ask("AT+CREG=1;+CGREG=1"), "OK|");
+  handset.setRegistration(Registration::Home);
+  EXPECT_EQ(lines(heard()), "+CREG: 1|+CGREG: 1|");
+}
+
 TEST_F(SettingsTest, Strings_WearTheCharacterSetThatWasChosen) {
   EXPECT_EQ(ask("AT+CSCS=?"), "+CSCS: (\"GSM\",\"IRA\",\"UCS2\",\"HEX\")|OK|");
   EXPECT_EQ(ask("AT+COPS=3,1;+CSCS=\"HEX\";+COPS?"), "+COPS: 0,1,\"53696D4E6574\"|OK|");
