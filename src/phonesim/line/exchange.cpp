@@ -70,24 +70,36 @@ Exchange::Exchange(EventLoop& loop, Options options, const std::string& number, 
 Exchange::~Exchange() {
   for (const auto& stream : incoming_) stream->close();
   if (outgoing_) outgoing_->close();
-  std::error_code ignored;
-  if (!options_.folder.empty()) std::filesystem::remove(fileOf(number_), ignored);
+  // The number stays one that a simulator has: what is sent to it meanwhile waits.
+  if (!options_.folder.empty()) std::ofstream(fileOf(number_), std::ios::trunc);
 }
 
 std::string Exchange::fileOf(const std::string& number) const {
   return (std::filesystem::path(options_.folder) / digitsOf(number)).string();
 }
 
-std::optional<Endpoint> Exchange::find(const std::string& number) const {
-  for (const auto& [peer, endpoint] : options_.peers)
-    if (sameNumber(peer, number)) return endpoint;
-  if (options_.folder.empty()) return std::nullopt;
+bool Exchange::knows(const std::string& number) const {
+  return std::ranges::any_of(options_.peers, [&](const auto& peer) { return sameNumber(peer.first, number); }) ||
+         !filesFor(number).empty();
+}
+
+std::vector<std::filesystem::path> Exchange::filesFor(const std::string& number) const {
+  std::vector<std::filesystem::path> files;
+  if (options_.folder.empty()) return files;
   std::error_code error;
   for (const auto& entry : std::filesystem::directory_iterator(options_.folder, error)) {
     const std::string name = entry.path().filename().string();
-    if (name.find_first_not_of("0123456789") != name.npos || !sameNumber(name, number)) continue;
+    if (name.find_first_not_of("0123456789") == name.npos && sameNumber(name, number)) files.push_back(entry.path());
+  }
+  return files;
+}
+
+std::optional<Endpoint> Exchange::find(const std::string& number) const {
+  for (const auto& [peer, endpoint] : options_.peers)
+    if (sameNumber(peer, number)) return endpoint;
+  for (const auto& path : filesFor(number)) {
     std::string line;
-    std::ifstream file(entry.path());
+    std::ifstream file(path);
     if (!std::getline(file, line)) continue;
     try {
       return parseEndpoint(line);

@@ -1,16 +1,19 @@
 // The network between simulators. Each one that takes part listens for the others; who has which number is told on the
-// command line or by a folder, in which each writes a file that is named after its number and holds its HOST:PORT.
+// command line or by a folder, in which each writes a file that is named after its number and holds its HOST:PORT, or
+// nothing after an orderly end.
 //
 // One message is one connection: the line "message MARK PDU", answered "ok". What cannot be handed over is tried again
 // until it can; the mark is the same then, so that a message whose "ok" was lost is not taken twice.
 #pragma once
 
 #include <deque>
+#include <filesystem>
 #include <functional>
 #include <map>
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "phonesim/handset/state.h"
 #include "phonesim/line/tcp.h"
@@ -34,7 +37,8 @@ class Exchange {
   Exchange& operator=(const Exchange&) = delete;
 
   Endpoint endpoint() const { return listener_.endpoint(); }
-  bool knows(const std::string& number) const { return find(number).has_value(); }
+  // Whether a simulator has the number, be it running or not.
+  bool knows(const std::string& number) const;
   // Tries to hand over the first of these that is due; onArrival tells of it. Does nothing while one is on its way.
   void work(const std::deque<Travelling>& messages);
   // When work() should be called again without anything having happened.
@@ -42,6 +46,7 @@ class Exchange {
 
  private:
   std::optional<Endpoint> find(const std::string& number) const;
+  std::vector<std::filesystem::path> filesFor(const std::string& number) const;
   void answerCall(std::shared_ptr<Stream> stream);
   void talk(std::shared_ptr<Stream> stream);
   void end(bool arrived);
