@@ -279,6 +279,7 @@ TEST_F(ModemPhoneTest, NothingPluggedIn_IsTriedAgain) {
 }
 
 TEST_F(ModemPhoneTest, Trace_SaysOnceWhyThereIsNoModem) {
+  rig.isTraced = true;
   phone = newPhone();
   const Lines missing{"- nothing is plugged in"};
   for (int i = 0; i < 3; ++i) EXPECT_FALSE(rig.step());
@@ -286,7 +287,8 @@ TEST_F(ModemPhoneTest, Trace_SaysOnceWhyThereIsNoModem) {
   begin("like plain");
   EXPECT_GT(rig.traced.size(), 10u);
   rig.unplug();
-  EXPECT_FALSE(rig.step());
+  while (rig.step()) {
+  }
   rig.traced.clear();
   rig.clock.follow(nullptr);
   rig.modem = nullptr;
