@@ -129,7 +129,23 @@ void SendRecord::begins(Entry& entry, std::uint8_t reference) {
   save();
 }
 
+SendRecord::Asker::Asker(std::shared_ptr<SendRecord> record, std::uint64_t key)
+    : record_(std::move(record)), key_(key) {
+  record_->askers_.push_back(this);
+}
+
+void SendRecord::Asker::terminate() noexcept { std::erase(record_->askers_, this); }
+
 void SendRecord::ended(Entry& entry, const Outcome& outcome, std::size_t partsSent, bool told) {
+  using Hears = Asker::Hears;
+  std::vector<std::pair<platform::Hold<Asker>, Hears>> askers;
+  for (Asker* const asker : askers_)
+    if (asker->key_ == entry.key) askers.emplace_back(platform::Hold(asker), asker->hears());
+  for (const auto& [asker, hears] : askers) {
+    if (hears == Hears::Yes) told = true;
+    if (hears == Hears::Gone) left(entry, 1);
+    std::erase(askers_, &*asker);
+  }
   touch(entry);
   entry.partsSent = outcome.done() ? 0 : partsSent;
   if (outcome.done())
@@ -139,6 +155,8 @@ void SendRecord::ended(Entry& entry, const Outcome& outcome, std::size_t partsSe
   // What is settled goes when the answer has had the time to arrive.
   if (entry.state != State::Settled) save();
   tidyLater();
+  for (const auto& [asker, hears] : askers)
+    if (!asker->hasEnded()) asker->ended(hears == Hears::Yes ? &outcome : nullptr);
 }
 
 void SendRecord::left(Entry& entry, int askers) { entry.asked = std::max(0, entry.asked - askers); }
