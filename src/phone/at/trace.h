@@ -29,6 +29,8 @@ class Trace {
   void sent(std::string_view line, Content content) { write("> ", line, content); }
   void received(std::string_view line, Content content) { write("< ", line, content); }
   void note(std::string_view text) const { sink_("- " + std::string(text)); }
+  // With something of the user's in it, perhaps.
+  void noteAbout(std::string_view text) const { write("- ", text, Content::Syntax); }
 
  private:
   void write(std::string_view direction, std::string_view line, Content content) const;

@@ -18,6 +18,13 @@ constexpr Milliseconds listingLimit{30000};  // for each message
 constexpr Milliseconds slotLimit{25000};
 constexpr int mostSlots = 255;  // to look at when the modem does not tell how many there are
 
+// From 6 on: for messages alone, at home and roaming; for emergency calls alone; with calls by other means than the
+// preferred ones, at home and roaming.
+constexpr std::array registrations{Registration::No,     Registration::Home,    Registration::Searching,
+                                   Registration::Denied, Registration::Unknown, Registration::Roaming,
+                                   Registration::Home,   Registration::Roaming, Registration::No,
+                                   Registration::Home,   Registration::Roaming};
+
 std::string command(std::string_view name, int index) { return std::string(name) + std::to_string(index); }
 
 // "+CSCA: "<number>",<type>": the number may come as hexadecimal, in the character set HEX or UCS2, if the modem did
@@ -189,23 +196,26 @@ Outcome Modem::removeChecked(Slot slot, std::string_view expected, bool& asked) 
   return outcomeOf(answer.result);
 }
 
-std::string Modem::serviceCentre() {
+std::optional<std::string> Modem::serviceCentre() {
   ensureSetUp();
   const Answer answer = run({"AT+CSCA?", "+CSCA"});
-  if (!answer.ok() || answer.information.empty()) return {};
+  // "The address of the service centre is not known".
+  if (answer.result && answer.result->isCms(330)) return std::string();
+  if (!answer.ok() || answer.information.empty()) return std::nullopt;
   return plainNumber(at::fieldsOf(answer.information.back().text).front().text);
 }
 
-Registration Modem::registration() {
+std::optional<Registration> Modem::registration() {
   ensureSetUp();
   const Answer answer = run({"AT+CREG?", "+CREG"});
   // The modem may say the same unasked, with one number less.
   for (const at::Information& information : answer.information) {
     const auto fields = at::fieldsOf(information.text);
     const auto state = fields.size() >= 2 ? fields[1].number() : std::nullopt;
-    if (state && *state >= 0 && *state <= 5) return static_cast<Registration>(*state);
+    if (state && *state >= 0 && *state < std::ssize(registrations))
+      return registrations[static_cast<std::size_t>(*state)];
   }
-  return Registration::Unknown;
+  return std::nullopt;
 }
 
 std::optional<int> Modem::signal() {

@@ -24,7 +24,7 @@ namespace phone {
 
 enum class SimState : std::uint8_t { Ready, NeedsPin, Missing, Unknown };
 
-// <stat> of +CREG (3GPP TS 27.007, 7.2).
+// <stat> of +CREG (3GPP TS 27.007, 7.2); the later ones say what else there is, or is not, besides messages.
 enum class Registration : std::uint8_t { No = 0, Home = 1, Searching = 2, Denied = 3, Unknown = 4, Roaming = 5 };
 
 struct MemoryState {
@@ -97,9 +97,9 @@ class Modem {
   void check();
   std::vector<Notice> takeNotices() { return std::exchange(notices_, {}); }
 
-  // Information for people.
-  std::string serviceCentre();
-  Registration registration();
+  // Information for people; nothing when the modem does not tell.
+  std::optional<std::string> serviceCentre();  // the SIM's own; empty: there is none
+  std::optional<Registration> registration();
   std::optional<int> signal();  // 0 to 31
 
  private:

@@ -67,7 +67,7 @@ SeptetTables septetTablesOf(const UserDataHeader& header) {
   std::uint8_t lockingShift = national_language::none;
   std::uint8_t singleShift = national_language::none;
   for (const HeaderElement& element : header.elements) {
-    if (element.data.size() != 1) continue;
+    if (element.data.size() != 1 || !isKnownLanguage(element.data.front())) continue;
     if (element.id == header_element::nationalLockingShift) lockingShift = element.data.front();
     if (element.id == header_element::nationalSingleShift) singleShift = element.data.front();
   }

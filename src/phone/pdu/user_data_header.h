@@ -54,7 +54,7 @@ std::optional<Concatenation> concatenationOf(const UserDataHeader& header);
 // For a program on the phone (by 8- or 16-bit port) rather than for a reader.
 bool isForPort(const UserDataHeader& header);
 // The tables that 7-bit text behind the header is written with. Of several elements the last one counts; one of another
-// length than its own is as if it were not there.
+// length than its own, or of a language that is not known, is as if it were not there.
 SeptetTables septetTablesOf(const UserDataHeader& header);
 
 }  // namespace phone

@@ -1,13 +1,16 @@
 #include "servers/handset/memory.h"
 
-#include <charconv>
 #include <optional>
 #include <vector>
+
+#include "servers/common/fields.h"
 
 namespace handset {
 
 using platform::String;
 using platform::StringView;
+using servers::numberIn;
+using servers::split;
 
 namespace {
 
@@ -28,14 +31,6 @@ void appendEscaped(std::string& line, StringView text) {
   }
 }
 
-template <class N>
-std::optional<N> numberIn(std::string_view text, int base = 10) {
-  N value{};
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value, base);
-  if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
-  return value;
-}
-
 std::optional<String> unescaped(std::string_view field) {
   String text;
   for (std::size_t i = 0; i < field.size(); ++i) {
@@ -53,16 +48,6 @@ std::optional<String> unescaped(std::string_view field) {
     }
   }
   return text;
-}
-
-std::vector<std::string_view> split(std::string_view text, char separator) {
-  std::vector<std::string_view> pieces;
-  while (true) {
-    const std::size_t end = text.find(separator);
-    pieces.push_back(text.substr(0, end));
-    if (end == std::string_view::npos) return pieces;
-    text.remove_prefix(end + 1);
-  }
 }
 
 void readMemory(Memories& memories, const std::vector<std::string_view>& fields) {

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "servers/modem/description.h"
+
 namespace servers::modem {
 
 using phone::Memory;
@@ -15,6 +17,7 @@ struct LineWorker::Link {
   phone::Modem modem;
   bool found = false;  // the other thread knows of it, and of these memories
   std::array<bool, 2> supported{};
+  std::span<const Particular> untold = particulars();  // of this modem, in the trace
 };
 
 LineWorker::LineWorker(Opener opener, const phone::Clock& clock, Mailbox& mailbox, WireEvents events,
@@ -67,6 +70,8 @@ void LineWorker::serve() {
       if (Wire::Answer answer = letter->deed(modem)) mailbox_.give(std::move(answer));
   } else if (clock_.now() >= nextCheck_) {
     check();
+  } else if (trace_ && !link_->untold.empty()) {
+    describe();
   } else {
     modem.listen(nextCheck_);
   }
@@ -81,6 +86,13 @@ void LineWorker::check() {
   // A SIM that was unlocked, or is no longer busy: whoever uses the phone begins anew, too.
   if (known[0] != modem.isSupported(Memory::Phone) || known[1] != modem.isSupported(Memory::Sim))
     throw PhoneGone("the modem has other memories than before");
+}
+
+// Only for somebody who reads it, only when nothing else is to be done, and one at a time: nobody waits for these.
+void LineWorker::describe() {
+  const Particular particular = link_->untold.front();
+  link_->untold = link_->untold.subspan(1);
+  trace_->noteAbout(particular(link_->modem));
 }
 
 void LineWorker::tellNotices() {

@@ -34,9 +34,9 @@ class LineWorker {
              phone::at::Trace* trace = nullptr);
   ~LineWorker();
 
-  // Does the next thing: finds the modem; or serves one letter; or waits until there is one, the modem says something
-  // or it is time to see whether it is still there. False when there is no modem: it is worth trying again after a
-  // while.
+  // Does the next thing: finds the modem; or serves one letter; or, for a trace, asks a modem that was just found about
+  // its network; or waits until there is a letter, the modem says something or it is time to see whether it is still
+  // there. False when there is no modem: it is worth trying again after a while.
   bool step();
 
  private:
@@ -45,6 +45,7 @@ class LineWorker {
   bool find();
   void serve();
   void check();
+  void describe();
   void tellNotices();
   void lose(const char* why);
 

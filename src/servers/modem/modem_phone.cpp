@@ -41,6 +41,12 @@ struct ModemPhone::Pending final : Counted {
   std::vector<phone::JoinedMessage> toList;
   std::size_t listed = 0;
   Ref<Counted> work;
+  Ref<Counted> waiting;  // for a message that is open
+
+  void drop() {
+    work = nullptr;
+    waiting = nullptr;
+  }
 };
 
 // What the asker holds: letting it go forgets the callbacks.
@@ -51,6 +57,27 @@ struct ModemPhone::Forgetting final : Counted {
     pending.get()->onEnd = nullptr;
   }
   Ref<Pending> pending;
+};
+
+// The pending request keeps it, and the phone keeps the request.
+struct ModemPhone::Waiting final : SendRecord::Asker {
+  // Nobody listens any more after `u`.
+  Waiting(ModemPhone& o, Pending& p, std::uint64_t key, Instant u)
+      : Asker(o.record_, key), owner(o), pending(p), until(u) {}
+
+  Hears hears() override {
+    if (!owner.isHeard_()) owner.abandoned();
+    if (!pending.onEnd) return Hears::Gone;
+    return owner.clock_.now() < until ? Hears::Yes : Hears::TooLate;
+  }
+  void ended(const Outcome* outcome) override {
+    if (!outcome) pending.onEnd = nullptr;
+    owner.end(pending, outcome ? phone::resultCode(*outcome) : handset::success);
+  }
+
+  ModemPhone& owner;
+  Pending& pending;
+  Instant until;
 };
 
 ModemPhone::ModemPhone(Scheduler& scheduler, const phone::Clock& clock, std::shared_ptr<SendRecord> record,
@@ -72,7 +99,7 @@ void ModemPhone::terminate() noexcept {
   connected_ = false;
   sends_.clear();
   refreshing_ = {};
-  for (const auto& pending : std::exchange(pending_, {})) pending.get()->work = nullptr;
+  for (const auto& pending : std::exchange(pending_, {})) pending.get()->drop();
 }
 
 void ModemPhone::requireConnected() const {
@@ -203,24 +230,20 @@ Phone::Request ModemPhone::send(const OutgoingMessage& message, OnEnd onEnd) {
   requireConnected();
   const auto pending = begin(std::move(onEnd));
   SendRecord::Entry& entry = record_->request(message);
-  Outcome outcome{Outcome::Kind::Unknown};  // also of what is on its way through another phone
+  Outcome outcome{Outcome::Kind::Unknown};
   if (entry.state == State::Untold) {
     outcome = {};
     record_->ended(entry, outcome, 0, true);
   } else if (entry.state == State::Unsent) {
     outcome = handOver(entry, message);
   }
-  OpenSend* const open = openSend(entry.key);
-  if (open)
-    open->waiting.push_back({pending, clock_.now() + patienceFor(message) - answerMargin});
-  else
+  if (entry.state == State::Open) {
+    const Instant until = clock_.now() + patienceFor(message) - answerMargin;
+    pending.get()->waiting = platform::make<Waiting>(*this, *pending.get(), entry.key, until);
+  } else {
     endLater(*pending.get(), phone::resultCode(outcome));
+  }
   return asked(pending);
-}
-
-ModemPhone::OpenSend* ModemPhone::openSend(std::uint64_t key) {
-  const auto open = std::find_if(sends_.begin(), sends_.end(), [key](const OpenSend& s) { return s.key == key; });
-  return open == sends_.end() ? nullptr : &*open;
 }
 
 // Noted before the modem can have it.
@@ -235,7 +258,7 @@ Outcome ModemPhone::handOver(SendRecord::Entry& entry, const OutgoingMessage& me
   }
   if (entry.partsSent < sending->parts.size()) sending->sent = entry.partsSent;
   record_->begins(entry, reference);
-  sends_.push_back({entry.key, sending, {}});
+  sends_.push_back({entry.key, sending});
   ask([this, key = entry.key, sending](Modem& modem) -> Wire::Answer {
     const Outcome outcome = modem.send(*sending);
     return [this, key, outcome] { sent(key, outcome); };
@@ -245,32 +268,16 @@ Outcome ModemPhone::handOver(SendRecord::Entry& entry, const OutgoingMessage& me
 
 void ModemPhone::sent(std::uint64_t key, const Outcome& outcome) {
   const Hold<ModemPhone> keep(this);
-  if (!isHeard_()) abandoned();
   const auto open = std::find_if(sends_.begin(), sends_.end(), [key](const OpenSend& s) { return s.key == key; });
   if (open == sends_.end()) return;
   const OpenSend ended = std::move(*open);
   sends_.erase(open);
-  // Requests of which nobody waits for the answer any more never get one: it would be taken for another's.
-  std::vector<Ref<Pending>> told;
-  int gone = 0;
-  for (const auto& [pending, until] : ended.waiting) {
-    const bool left = !pending.get()->onEnd;
-    if (left) ++gone;
-    if (!left && clock_.now() < until)
-      told.push_back(pending);
-    else
-      std::erase_if(pending_, [&](const Ref<Pending>& p) { return p == pending; });
-  }
-  if (SendRecord::Entry* const entry = record_->find(key)) {
-    record_->left(*entry, gone);
-    record_->ended(*entry, outcome, ended.sending->sent, !told.empty());
-  }
-  for (const auto& pending : told) end(*pending.get(), phone::resultCode(outcome));
+  if (SendRecord::Entry* const entry = record_->find(key)) record_->ended(*entry, outcome, ended.sending->sent);
 }
 
 void ModemPhone::abandoned() {
-  for (const OpenSend& open : sends_)
-    for (const Waiting& one : open.waiting) one.pending.get()->onEnd = nullptr;
+  for (const auto& pending : pending_)
+    if (pending.get()->waiting) pending.get()->onEnd = nullptr;
 }
 
 void ModemPhone::ask(Wire::Deed deed) {
@@ -295,15 +302,17 @@ void ModemPhone::found(Presence presence) {
 void ModemPhone::lost() {
   const Hold<ModemPhone> keep(this);
   connected_ = false;
-  // What was open was not done: with an outcome that is unknown it would have been answered before.
-  for (const OpenSend& open : std::exchange(sends_, {}))
-    if (SendRecord::Entry* const entry = record_->find(open.key))
-      record_->ended(*entry, {Outcome::Kind::NoAnswer}, open.sending->sent, false);
+  const auto sends = std::exchange(sends_, {});
   record_->phoneLost();
   refreshing_ = {};
   // The askers may hold on to their requests; nothing comes of them any more.
-  for (const auto& pending : std::exchange(pending_, {})) pending.get()->work = nullptr;
+  for (const auto& pending : std::exchange(pending_, {})) pending.get()->drop();
   watchers_.tell(false);
+  // What was open was not done: with an outcome that is unknown it would have been answered before. Those who have
+  // asked another phone for it are told.
+  for (const OpenSend& open : sends)
+    if (SendRecord::Entry* const entry = record_->find(open.key))
+      record_->ended(*entry, {Outcome::Kind::NoAnswer}, open.sending->sent);
 }
 
 void ModemPhone::noticed(const phone::Notice& notice) {

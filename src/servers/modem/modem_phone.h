@@ -40,14 +40,10 @@ class ModemPhone final : public handset::Phone {
  private:
   struct Pending;
   struct Forgetting;
-  struct Waiting {
-    platform::Ref<Pending> pending;
-    phone::Instant until;  // nobody listens any more after that
-  };
+  struct Waiting;
   struct OpenSend {
     std::uint64_t key;
     std::shared_ptr<phone::Sending> sending;  // the line's thread's until it has answered or lost the modem
-    std::vector<Waiting> waiting;
   };
   struct Removal {
     phone::Slot slot;
@@ -75,7 +71,6 @@ class ModemPhone final : public handset::Phone {
   void readSlot(phone::Slot slot);
   void removed(const platform::Ref<Pending>& pending, const std::vector<Removal>& removals);
   void removeLeftovers();
-  OpenSend* openSend(std::uint64_t key);
   phone::Outcome handOver(SendRecord::Entry& entry, const handset::OutgoingMessage& message);
   void sent(std::uint64_t key, const phone::Outcome& outcome);
 

@@ -6,6 +6,8 @@
 #include <optional>
 #include <vector>
 
+#include "servers/common/fields.h"
+
 namespace servers::modem {
 
 using phone::Outcome;
@@ -14,23 +16,6 @@ namespace {
 
 constexpr std::string_view heading = "sends 1\n";
 constexpr std::array<std::string_view, 5> stateNames{"unsent", "open", "unknown", "untold", "settled"};
-
-template <class N>
-std::optional<N> numberIn(std::string_view text, N most, int base = 10) {
-  N value{};
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value, base);
-  if (error != std::errc() || end != text.data() + text.size() || value > most) return std::nullopt;
-  return value;
-}
-
-std::vector<std::string_view> wordsOf(std::string_view line) {
-  std::vector<std::string_view> words;
-  for (std::size_t begin = 0; (begin = line.find_first_not_of(' ', begin)) != std::string_view::npos;) {
-    words.push_back(line.substr(begin, line.find(' ', begin) - begin));
-    begin += words.back().size();
-  }
-  return words;
-}
 
 std::string lineOf(const SendRecord::Entry& entry) {
   std::array<char, 17> key{};
@@ -42,15 +27,16 @@ std::string lineOf(const SendRecord::Entry& entry) {
 
 // Nothing for a line that makes no sense.
 std::optional<SendRecord::Entry> entryIn(std::string_view line) {
-  const auto words = wordsOf(line);
+  const auto words = split(line, ' ');
   if (words.size() != 6) return std::nullopt;
-  const auto key = numberIn<std::uint64_t>(words[0], UINT64_MAX, 16);
+  const auto key = numberIn<std::uint64_t>(words[0], 16);
   const auto state = std::find(stateNames.begin(), stateNames.end(), words[1]);
-  const auto asked = numberIn<std::uint8_t>(words[2], SendRecord::attempts);
-  const auto reference = numberIn<std::uint8_t>(words[3], UINT8_MAX);
-  const auto parts = numberIn<std::uint8_t>(words[4], UINT8_MAX);
-  const auto day = numberIn<std::uint32_t>(words[5], UINT32_MAX);
+  const auto asked = numberIn<std::uint8_t>(words[2]);
+  const auto reference = numberIn<std::uint8_t>(words[3]);
+  const auto parts = numberIn<std::uint8_t>(words[4]);
+  const auto day = numberIn<std::uint32_t>(words[5]);
   if (!key || state == stateNames.end() || !asked || !reference || !parts || !day) return std::nullopt;
+  if (*asked > SendRecord::attempts) return std::nullopt;
   SendRecord::Entry entry;
   entry.key = *key;
   entry.state = static_cast<SendRecord::State>(state - stateNames.begin());
@@ -129,7 +115,23 @@ void SendRecord::begins(Entry& entry, std::uint8_t reference) {
   save();
 }
 
+SendRecord::Asker::Asker(std::shared_ptr<SendRecord> record, std::uint64_t key)
+    : record_(std::move(record)), key_(key) {
+  record_->askers_.push_back(this);
+}
+
+void SendRecord::Asker::terminate() noexcept { std::erase(record_->askers_, this); }
+
 void SendRecord::ended(Entry& entry, const Outcome& outcome, std::size_t partsSent, bool told) {
+  using Hears = Asker::Hears;
+  std::vector<std::pair<platform::Hold<Asker>, Hears>> askers;
+  for (Asker* const asker : askers_)
+    if (asker->key_ == entry.key) askers.emplace_back(platform::Hold(asker), asker->hears());
+  for (const auto& [asker, hears] : askers) {
+    if (hears == Hears::Yes) told = true;
+    if (hears == Hears::Gone) left(entry, 1);
+    std::erase(askers_, &*asker);
+  }
   touch(entry);
   entry.partsSent = outcome.done() ? 0 : partsSent;
   if (outcome.done())
@@ -139,6 +141,8 @@ void SendRecord::ended(Entry& entry, const Outcome& outcome, std::size_t partsSe
   // What is settled goes when the answer has had the time to arrive.
   if (entry.state != State::Settled) save();
   tidyLater();
+  for (const auto& [asker, hears] : askers)
+    if (!asker->hasEnded()) asker->ended(hears == Hears::Yes ? &outcome : nullptr);
 }
 
 void SendRecord::left(Entry& entry, int askers) { entry.asked = std::max(0, entry.asked - askers); }
@@ -188,10 +192,9 @@ void SendRecord::save() {
 void SendRecord::load(std::string_view text) {
   if (!text.starts_with(heading)) return;
   text.remove_prefix(heading.size());
-  while (!text.empty() && entries_.size() < most) {
-    const std::size_t end = std::min(text.find('\n'), text.size());
-    auto entry = entryIn(text.substr(0, end));
-    text.remove_prefix(std::min(end + 1, text.size()));
+  for (const std::string_view line : split(text, '\n')) {
+    if (entries_.size() == most) return;
+    auto entry = entryIn(line);
     // A day that is still to come: somebody has set the clock.
     if (!entry || find(entry->key) || notes_->today() - entry->day > mostDays) continue;
     entry->since = clock_.now();

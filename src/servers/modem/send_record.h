@@ -2,7 +2,8 @@
 // answered in it as a failure, and asks again with the same number and text, three times in all
 // (clsSMSHandler::HandleSendFailure). Here is why such a message is not sent twice:
 //
-//   still open                        the new request waits for the result of the first
+//   still open                        the new request waits for the result of the first, whichever phones they were
+//                                     asked of
 //   sent, but told too late           the next request is told so
 //   not known whether it was sent     it is not sent again: the requests that are still to come fail, so that the user
 //                                     gets a report; after that, the same text is a new message
@@ -25,6 +26,7 @@
 #include <list>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "phone/line/clock.h"
 #include "phone/modem/outcome.h"
@@ -71,6 +73,29 @@ class SendRecord {
     std::int64_t day = 0;
   };
 
+  // Somebody who has asked for a message that is open, of this phone or another one, and waits for how it ends.
+  class Asker : public platform::Counted {
+   public:
+    enum class Hears : std::uint8_t {
+      Yes,
+      TooLate,  // has counted a failure; what is said now would be taken for the answer to something else
+      Gone,     // and counts no failure
+    };
+    virtual Hears hears() = 0;
+    // Null for one that does not hear. Nothing more comes then.
+    virtual void ended(const phone::Outcome* outcome) = 0;
+
+   protected:
+    // From then on; until it is let go.
+    Asker(std::shared_ptr<SendRecord> record, std::uint64_t key);
+    void terminate() noexcept override;
+
+   private:
+    friend class SendRecord;
+    std::shared_ptr<SendRecord> record_;
+    std::uint64_t key_;
+  };
+
   SendRecord(Scheduler& scheduler, const phone::Clock& clock, std::unique_ptr<SendNotes> notes);
 
   static std::uint64_t keyOf(const handset::OutgoingMessage& message) noexcept;
@@ -81,8 +106,9 @@ class SendRecord {
 
   // It is about to be handed in.
   void begins(Entry& entry, std::uint8_t reference);
-  // How it ended, and whether somebody was told.
-  void ended(Entry& entry, const phone::Outcome& outcome, std::size_t partsSent, bool told);
+  // How it ended, which its askers are told; `told`: somebody else is. Telling them may do anything: the entry may be
+  // gone afterwards.
+  void ended(Entry& entry, const phone::Outcome& outcome, std::size_t partsSent, bool told = false);
   // So many who had asked for it will not count a failure: they are gone.
   void left(Entry& entry, int askers);
 
@@ -104,6 +130,7 @@ class SendRecord {
   std::string saved_;         // as the notes have it
   int phones_ = 0;
   platform::Ref<platform::Counted> tidying_;
+  std::vector<Asker*> askers_;
 };
 
 }  // namespace servers::modem

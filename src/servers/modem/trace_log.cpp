@@ -30,12 +30,25 @@ void TraceLog::write(std::string_view stamp, std::string_view line) noexcept {
   }
 }
 
-// False when the file is full and stays so.
+// False when there is none.
 bool TraceLog::makeRoom(std::size_t size) noexcept {
   const auto length = files_->open();
   if (!length || *length == 0 || *length + size <= longest) return length.has_value();
+  if (sinceHeld_ && *sinceHeld_ + size <= longest) {
+    *sinceHeld_ += size;
+  } else if (becomesOlder()) {
+    sinceHeld_.reset();
+    return files_->open().has_value();
+  } else {
+    sinceHeld_ = size;
+    if (!files_->open()) return false;
+  }
+  return *length + size <= longestHeld;
+}
+
+bool TraceLog::becomesOlder() noexcept {
   for (int number = older - 1; number > 0; --number) files_->shift(number);  // there may be none of that number
-  return files_->shift(0) && files_->open() == std::uint64_t{0};
+  return files_->shift(0);
 }
 
 }  // namespace servers::modem

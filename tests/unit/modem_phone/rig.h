@@ -121,6 +121,7 @@ class Rig : public servers::modem::Mailbox {
   bool isHeard = true;
   std::unique_ptr<ScriptedModem> modem;
   std::unique_ptr<servers::modem::LineWorker> worker;
+  bool isTraced = false;  // to be said before there is a phone
   std::vector<std::string> traced;
   phone::at::Trace trace{[this](std::string_view line) { traced.emplace_back(line); }};
   std::deque<Letter> letters;
@@ -146,8 +147,9 @@ class RigWire final : public servers::modem::Wire {
     rig_.answers.clear();
   }
   void open(servers::modem::WireEvents events) override {
-    rig_.worker = std::make_unique<servers::modem::LineWorker>([rig = &rig_] { return rig->open(); }, rig_.clock, rig_,
-                                                               std::move(events), &rig_.trace);
+    rig_.worker =
+        std::make_unique<servers::modem::LineWorker>([rig = &rig_] { return rig->open(); }, rig_.clock, rig_,
+                                                     std::move(events), rig_.isTraced ? &rig_.trace : nullptr);
   }
   void ask(std::uint32_t life, Deed deed) override { rig_.letters.push_back({life, std::move(deed)}); }
 

@@ -203,23 +203,144 @@ TEST_F(ModemPhoneTest, ServiceCentreThatWasChangedAfterARefusal_IsUsed) {
   EXPECT_EQ(messages[1], "message 06915421436587" + messages[0].substr(messages[0].find(' ') + 3));
 }
 
-TEST_F(ModemPhoneTest, MessageOnItsWayThroughAnotherPhone_IsNotSentByThisOneAsWell) {
-  begin("like plain");
-  const auto handed = hand(u"hellohello");
+// Two phones of one server.
+class TwoPhonesTest : public ModemPhoneTest {
+ protected:
+  ~TwoPhonesTest() override { second = nullptr; }
+
+  void beginBoth(const std::string& script, const std::string& scriptOfTheOther) {
+    begin(script);
+    other.plug(scriptOfTheOther);
+    second = platform::make<ModemPhone>(
+        rig.time, other.clock, rig.record, [this] { return rig.isHeard; }, std::make_unique<RigWire>(other),
+        std::uint8_t{9});
+    ASSERT_TRUE(other.step());
+    other.modem->heard.clear();
+  }
+  // To the other one.
+  std::shared_ptr<Sent> handToOther(StringView text) {
+    auto sent = std::make_shared<Sent>();
+    sent->request = second->send({u"", u"+46701234567", String(text)},
+                                 [raw = sent.get()](std::int32_t code) { raw->result = hex(code); });
+    return sent;
+  }
+  void workBoth() {
+    rig.time.runDue();
+    rig.work();
+    other.work();
+  }
+
   Rig other;
-  other.plug("like plain");
-  Ref<ModemPhone> second = platform::make<ModemPhone>(
-      rig.time, other.clock, rig.record, [] { return true; }, std::make_unique<RigWire>(other), std::uint8_t{9});
-  ASSERT_TRUE(other.step());
-  std::string result;
-  const auto request =
-      second->send({u"", u"+46701234567", u"hellohello"}, [&](std::int32_t code) { result = hex(code); });
+  Ref<ModemPhone> second;
+};
+
+TEST_F(TwoPhonesTest, MessageOnItsWayThroughTheOther_IsSentOnceAndBothAreToldItsResult) {
+  beginBoth("like plain", "like plain");
+  const auto first = hand(u"hellohello");
+  const auto again = handToOther(u"hellohello");
+  const auto different = handToOther(u"Hej");
   rig.time.runDue();
-  EXPECT_EQ(result, "888800D2");
-  EXPECT_EQ(other.letters.size(), 0u);
+  other.work();
+  EXPECT_EQ(first->result, "");
+  EXPECT_EQ(again->result, "");
+  EXPECT_EQ(different->result, "0");
+  EXPECT_EQ(other.modem->heardOf("message").size(), 1u);
   rig.work();
-  EXPECT_EQ(handed->result, "0");
+  EXPECT_EQ(first->result, "0");
+  EXPECT_EQ(again->result, "0");
+  EXPECT_EQ(heardOf("message").size(), 1u);
+  // And now it is a new message.
+  const auto next = handToOther(u"hellohello");
+  workBoth();
+  EXPECT_EQ(next->result, "0");
+  EXPECT_EQ(other.modem->heardOf("message").size(), 2u);
+}
+
+TEST_F(TwoPhonesTest, UnknownOutcomeOfTheOther_IsToldBothAndNotRepeatedByEither) {
+  beginBoth("like plain\non message *\n  lose\n", "like plain");
+  const auto first = hand(u"hellohello");
+  const auto again = handToOther(u"hellohello");
+  workBoth();
+  EXPECT_EQ(first->result, "888800D2");
+  EXPECT_EQ(again->result, "888800D2");
+  const auto third = handToOther(u"hellohello");
+  workBoth();
+  EXPECT_EQ(third->result, "888800D2");
+  EXPECT_EQ(other.modem->heardOf("message"), Lines());
+}
+
+TEST_F(TwoPhonesTest, OtherPulledOutBeforeItWasHandedIn_IsToldAndTheNextRequestSendsIt) {
+  beginBoth("like plain", "like plain");
+  const auto first = hand(u"hellohello");
+  const auto again = handToOther(u"hellohello");
+  rig.unplug();
+  EXPECT_FALSE(rig.step());
+  EXPECT_EQ(told, (std::vector{true, false}));
+  EXPECT_EQ(first->result, "");
+  EXPECT_EQ(again->result, "888800D1");
+  const auto next = handToOther(u"hellohello");
+  workBoth();
+  EXPECT_EQ(next->result, "0");
+  EXPECT_EQ(other.modem->heardOf("message").size(), 1u);
+}
+
+TEST_F(TwoPhonesTest, WaitingPhoneThatIsPulledOut_IsToldNothingAndTheOtherGoesOn) {
+  beginBoth("like plain", "like plain");
+  const auto first = hand(u"hellohello");
+  const auto again = handToOther(u"hellohello");
+  other.unplug();
+  EXPECT_FALSE(other.step());
+  rig.work();
+  EXPECT_EQ(first->result, "0");
+  EXPECT_EQ(again->result, "");
+}
+
+TEST_F(TwoPhonesTest, WaitingPhoneThatIsReleased_IsForgotten) {
+  beginBoth("like plain", "like plain");
+  const auto first = hand(u"hellohello");
+  const auto again = handToOther(u"hellohello");
   second = nullptr;
+  rig.work();
+  EXPECT_EQ(first->result, "0");
+  EXPECT_EQ(again->result, "");
+}
+
+// Whoever asked first has gone, but somebody was told: the same text is a new message.
+TEST_F(TwoPhonesTest, ResultThatOnlyTheOthersAskerHears_IsToldAllTheSame) {
+  beginBoth("like plain", "like plain");
+  auto first = hand(u"hellohello");
+  const auto again = handToOther(u"hellohello");
+  first->request = nullptr;
+  rig.work();
+  EXPECT_EQ(first->result, "");
+  EXPECT_EQ(again->result, "0");
+  EXPECT_EQ(sent(u"hellohello"), "0");
+  EXPECT_EQ(heardOf("message").size(), 2u);
+}
+
+TEST_F(TwoPhonesTest, ResultAfterThePatienceOfBoth_IsKeptForTheNextRequest) {
+  beginBoth("like plain\non message *\n  pause 40000\n  say +CMGS: 7\n  say OK", "like plain");
+  const auto first = hand(u"hellohello");
+  const auto again = handToOther(u"hellohello");
+  other.clock.pass(Milliseconds(40000));
+  rig.work();
+  EXPECT_EQ(first->result, "");
+  EXPECT_EQ(again->result, "");
+  const auto next = handToOther(u"hellohello");
+  rig.time.runDue();
+  EXPECT_EQ(next->result, "0");
+  EXPECT_EQ(other.modem->heardOf("message"), Lines());
+}
+
+TEST_F(TwoPhonesTest, WithNobodyThereAnyMore_NeitherIsToldAndNoFailureIsCounted) {
+  beginBoth("like plain\non message *\n  lose\n", "like plain");
+  const auto first = hand(u"hellohello");
+  const auto again = handToOther(u"hellohello");
+  rig.isHeard = false;
+  rig.work();
+  EXPECT_EQ(first->result, "");
+  EXPECT_EQ(again->result, "");
+  EXPECT_NE(rig.notebook.text.find(" unknown 0 "), std::string::npos) << rig.notebook.text;
 }
 
 }  // namespace

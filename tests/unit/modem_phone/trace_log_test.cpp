@@ -14,6 +14,7 @@ struct Folder {
   std::map<int, std::string> files;
   bool writable = true;
   int immovable = -1;  // the number of a file that another program holds
+  int attempts = 0;    // to give file 0 another number
 };
 
 class FolderFiles final : public TraceFiles {
@@ -23,11 +24,9 @@ class FolderFiles final : public TraceFiles {
     if (!folder_.writable) return std::nullopt;
     return folder_.files[0].size();
   }
-  bool append(std::string_view text) noexcept override {
-    folder_.files[0] += text;
-    return true;
-  }
+  void append(std::string_view text) noexcept override { folder_.files[0] += text; }
   bool shift(int number) noexcept override {
+    if (number == 0) ++folder_.attempts;
     const auto file = folder_.files.extract(number);
     if (!file) return false;
     folder_.files[number == folder_.immovable ? number : number + 1] = file.mapped();
@@ -95,14 +94,42 @@ TEST_F(TraceLogTest, FileThatCannotBeWritten_LosesLinesUntilItCan) {
   EXPECT_EQ(folder_.files[0], "12:00 > AT\r\n");
 }
 
-TEST_F(TraceLogTest, FullFileThatAnotherProgramHolds_DoesNotGrow) {
+TEST_F(TraceLogTest, FullFileThatAnotherProgramHolds_IsGoneOnWithAndTriedAgainAMegabyteLater) {
   fill(TraceLog::longest, 'a');
   folder_.immovable = 0;
-  write("lost");
-  EXPECT_EQ(folder_.files[0].size(), TraceLog::longest);
+  for (int i = 0; i < 100; ++i) write("> AT");  // 12 octets each
+  EXPECT_EQ(folder_.attempts, 1);
+  EXPECT_EQ(folder_.files[0].size(), TraceLog::longest + 1200);
   folder_.immovable = -1;
+  fill(TraceLog::longest - 1200, 'b');
+  EXPECT_EQ(folder_.attempts, 1);
+  EXPECT_EQ(folder_.files[0].size(), 2 * TraceLog::longest);
   write("> AT");
+  EXPECT_EQ(folder_.attempts, 2);
   EXPECT_EQ(folder_.files[0], "12:00 > AT\r\n");
+  EXPECT_EQ(folder_.files[1].size(), 2 * TraceLog::longest);
+  // And from then on as always.
+  fill(TraceLog::longest - 12, 'c');
+  write("> AT");
+  EXPECT_EQ(folder_.attempts, 3);
+  EXPECT_EQ(folder_.files[1].size(), TraceLog::longest);
+}
+
+TEST_F(TraceLogTest, FileThatIsHeldForLong_HasALimit) {
+  fill(TraceLog::longest, 'a');
+  folder_.immovable = 0;
+  for (int i = 0; i < 10; ++i) fill(TraceLog::longest, 'b');
+  EXPECT_EQ(folder_.files[0].size(), TraceLog::longestHeld);
+  EXPECT_EQ(folder_.attempts, 10);
+  write("lost");
+  EXPECT_EQ(folder_.attempts, 11);
+  for (int i = 0; i < 100; ++i) write("lost");
+  EXPECT_EQ(folder_.attempts, 11);
+  EXPECT_EQ(folder_.files[0].size(), TraceLog::longestHeld);
+  folder_.immovable = -1;
+  fill(TraceLog::longest, 'c');
+  EXPECT_EQ(folder_.files[0].size(), TraceLog::longest);
+  EXPECT_EQ(folder_.files[1].size(), TraceLog::longestHeld);
 }
 
 TEST_F(TraceLogTest, OlderFileThatAnotherProgramHolds_IsGivenUpForTheNext) {

@@ -36,10 +36,13 @@ TEST(AtTrace, Sink_GetsMaskedLinesUnlessEverythingWasAskedFor) {
   Trace(sink).sent("0011", Content::Pdu);
   Trace(sink).received("Meet", Content::Unknown);
   Trace(sink).note("no answer");
+  Trace(sink).noteAbout("service centre: \"+4670\"");
+  Trace(sink, true).noteAbout("service centre: \"+4670\"");
   Trace(sink, true).sent("0011", Content::Pdu);
   Trace(sink, true).received("+CLIP: \"+4670\"", Content::Syntax);
-  EXPECT_EQ(lines, (std::vector<std::string>{"> <2 octets>", "< <4 characters>", "- no answer", "> 0011",
-                                             "< +CLIP: \"+4670\""}));
+  EXPECT_EQ(lines,
+            (std::vector<std::string>{"> <2 octets>", "< <4 characters>", "- no answer", "- service centre: \"***\"",
+                                      "- service centre: \"+4670\"", "> 0011", "< +CLIP: \"+4670\""}));
 }
 
 }  // namespace

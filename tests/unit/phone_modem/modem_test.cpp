@@ -264,6 +264,40 @@ TEST_F(ModemTest, Information_IsGiven) {
   EXPECT_EQ(modem_->signal(), std::nullopt);
 }
 
+TEST_F(ModemTest, InformationThatIsRefusedOrMakesNoSense_IsNone) {
+  connect("without-information");
+  for (int answer = 0; answer < 3; ++answer) {
+    SCOPED_TRACE(answer);
+    EXPECT_EQ(modem_->serviceCentre(), std::nullopt);
+    EXPECT_EQ(modem_->registration(), std::nullopt);
+    EXPECT_EQ(modem_->signal(), std::nullopt);
+  }
+  expectWorking();
+}
+
+TEST_F(ModemTest, ServiceCentreThatTheSimHasNot_IsNeitherNumberNorRefusal) {
+  script_ = std::make_unique<ScriptedModem>(
+      "like plain\non AT+CSCA?\n  say +CSCA: \"\",129\n  say OK\non AT+CSCA?\n  say +CMS ERROR: 330\n");
+  modem_ = std::make_unique<Modem>(*script_, *script_);
+  modem_->connect();
+  EXPECT_EQ(modem_->serviceCentre(), "");
+  EXPECT_EQ(modem_->serviceCentre(), "");
+}
+
+// 3GPP TS 27.007, 7.2.
+TEST_F(ModemTest, Registration_OfAllKinds) {
+  using enum Registration;
+  const std::vector<std::optional<Registration>> expected{No,      Home, Searching, Denied,  Unknown, Roaming, Home,
+                                                          Roaming, No,   Home,      Roaming, {},      {}};
+  std::string script = "like plain\n";
+  for (const int state : {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, -1})
+    script += "on AT+CREG?\n  say +CREG: 2," + std::to_string(state) + ",\"00C3\",\"1A2B\"\n  say OK\n";
+  script_ = std::make_unique<ScriptedModem>(script);
+  modem_ = std::make_unique<Modem>(*script_, *script_);
+  modem_->connect();
+  for (std::size_t i = 0; i < expected.size(); ++i) EXPECT_EQ(modem_->registration(), expected[i]) << i;
+}
+
 TEST_F(ModemTest, Deleting_MakesSureOfTheMessageFirst) {
   connect("plain");
   EXPECT_EQ(modem_->remove({Memory::Sim, 1}, hello), Outcome());

@@ -156,6 +156,24 @@ TEST(ReadUserData, NationalTables_AreThoseOfTheHeader) {
   EXPECT_EQ(readUserData({.hasHeader = true, .length = 5 + 6, .octets = octets}, DataCoding{}).text, u"şişe");
 }
 
+TEST(ReadUserData, NationalTablesThatAreNotKnown_AreAsIfTheyWereNotNamed) {
+  // The second of three parts, with the main table and the extension of one language.
+  const UserDataHeader plain{.elements = {{.id = 0, .data = {0x2A, 3, 2}}}};
+  for (std::uint8_t language = 4; language <= 14; ++language) {
+    UserDataHeader named = plain;
+    named.elements.push_back({.id = 0x25, .data = {language}});
+    named.elements.push_back({.id = 0x24, .data = {language}});
+    const Content content = readUserData(writeUserData(named, u"[kahve] \u20AC", Alphabet::Gsm7), DataCoding{});
+    EXPECT_EQ(content.text, u"[kahve] \u20AC") << int{language};
+    EXPECT_EQ(concatenationOf(content.header), concatenationOf(plain)) << int{language};
+  }
+  // Turkish, Hindi: 24 01 01 24 01 06. Seven octets are eight septets without a fill bit.
+  Octets octets = octetsOf("06240101240106");
+  const Octets text = packSeptets(Septets{escapeSeptet, 's', 'i', escapeSeptet, 's', 'e'}, fillBitsAfter(7));
+  octets.insert(octets.end(), text.begin(), text.end());
+  EXPECT_EQ(readUserData({.hasHeader = true, .length = 8 + 6, .octets = octets}, DataCoding{}).text, u"şişe");
+}
+
 TEST(EncodeText, ShortTexts_HaveNoHeader) {
   const EncodedText encoded = encodeText(u"hellohello", 7);
   EXPECT_EQ(encoded.alphabet, Alphabet::Gsm7);

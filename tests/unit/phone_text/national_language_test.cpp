@@ -60,7 +60,8 @@ TEST(NationalLanguage, EuroAndBrackets_AreInEveryExtension) {
 }
 
 TEST(NationalLanguage, UnknownLanguages_AreReadWithTheDefaultTables) {
-  for (const int unknown : {4, 13, 14, 255})
+  // Bengali, Gujarati, Hindi, Kannada, Malayalam, Oriya, Punjabi, Tamil, Telugu, Urdu; the others are reserved.
+  for (const int unknown : {4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 255})
     for (const bool afterEscape : {false, true}) {
       const auto id = static_cast<std::uint8_t>(unknown);
       EXPECT_EQ(read(id, id, allSeptets(afterEscape)), fromSeptets(allSeptets(afterEscape))) << unknown;

@@ -1,5 +1,8 @@
 // What the wizard shows when it opens and what it writes when it is finished.
 
+#include <fstream>
+#include <iterator>
+
 #include "unit/settings/frmwizard_fixture.h"
 
 namespace addin {
@@ -223,6 +226,29 @@ TEST_F(WizardSettings, List_IsFilledInFileOrder) {
   ScriptedView& view = open();
   EXPECT_EQ(view.entries("cboSCAddress"),
             (Lines{"Choose one", "As stored on the SIM card ()", "North (+1 23)", "South, East (+456)"}));
+}
+
+TEST_F(WizardSettings, List_ThatIsShipped_BeginsWithItsHeadingAndTheSimsOwnNumber) {
+  const std::string here = __FILE__;
+  std::ifstream file(here.substr(0, here.find_last_of("/\\")) + "/../../../packaging/smsc/smsc.txt", std::ios::binary);
+  ASSERT_TRUE(file);
+  setList({std::istreambuf_iterator<char>(file), {}});
+  const Lines expected{"Choose your service centre",
+                       "As stored on the SIM card ()",
+                       "Austral Mobile, Australia (+61 491 570 006)",
+                       "Boreal Tel, Sweden (+46 70 174 06 05)",
+                       "Hexagone Mobile, France (+33 6 39 98 12 34)",
+                       "Kestrel Wireless, United Kingdom (+44 7700 900 123)",
+                       "Rheinfunk, Germany (+49 171 39 20 042)",
+                       "Sundial PCS, United States (+1 202 555 0143)"};
+  EXPECT_EQ(open().entries("cboSCAddress"), expected);
+  EXPECT_EQ(selected(), 1);
+  // What is stored of an entry is all of it, and is found again.
+  for (std::size_t entry = 1; entry < expected.size(); ++entry) {
+    setOption("SCAddress", expected[entry]);
+    open();
+    EXPECT_EQ(selected(), static_cast<std::int32_t>(entry));
+  }
 }
 
 TEST_F(WizardSettings, List_ItemsOfOneLineAreEntriesOfTheirOwn) {

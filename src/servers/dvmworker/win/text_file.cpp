@@ -1,8 +1,8 @@
 #include "servers/dvmworker/win/text_file.h"
 
 #include "com/errors.h"
-#include "com/windows.h"
 #include "servers/common/win/wide.h"
+#include "servers/dvmworker/win/file.h"
 
 namespace servers::dvmworker {
 
@@ -10,26 +10,9 @@ using platform::String;
 
 namespace {
 
-class File {
- public:
-  explicit File(HANDLE handle) : handle_(handle) {}
-  File(const File&) = delete;
-  File& operator=(const File&) = delete;
-  ~File() {
-    if (*this) CloseHandle(handle_);
-  }
-  explicit operator bool() const { return handle_ != INVALID_HANDLE_VALUE; }
-  HANDLE get() const { return handle_; }
-
- private:
-  HANDLE handle_;
-};
-
 bool write(const String& path, const std::string& text, Outlives what) {
   const File file(CreateFileW(wide(path), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
-  DWORD written = 0;
-  return file && WriteFile(file.get(), text.data(), static_cast<DWORD>(text.size()), &written, nullptr) &&
-         written == text.size() && (what == Outlives::TheProcess || FlushFileBuffers(file.get()));
+  return file && file.write(text) && (what == Outlives::TheProcess || FlushFileBuffers(file.get()));
 }
 
 }  // namespace

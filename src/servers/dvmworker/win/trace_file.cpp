@@ -3,9 +3,9 @@
 #include <array>
 #include <cstdio>
 
-#include "com/windows.h"
 #include "servers/common/win/settings.h"
 #include "servers/common/win/wide.h"
+#include "servers/dvmworker/win/file.h"
 #include "servers/modem/trace_log.h"
 
 namespace servers::dvmworker {
@@ -29,38 +29,26 @@ String fileNameOf(const phone::LineName& name) {
 class FilesOfPort final : public modem::TraceFiles {
  public:
   explicit FilesOfPort(const String& path) : paths_{path + u".txt", path + u".1.txt", path + u".2.txt"} {}
-  FilesOfPort(const FilesOfPort&) = delete;
-  FilesOfPort& operator=(const FilesOfPort&) = delete;
-  ~FilesOfPort() override { close(); }
 
   std::optional<std::uint64_t> open() noexcept override {
     // Others may read it meanwhile.
-    if (file_ == INVALID_HANDLE_VALUE)
-      file_ = CreateFileW(wide(paths_[0]), GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL,
-                          nullptr);
-    if (file_ == INVALID_HANDLE_VALUE) return std::nullopt;
+    if (!file_)
+      file_ = File(CreateFileW(wide(paths_[0]), GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_ALWAYS,
+                               FILE_ATTRIBUTE_NORMAL, nullptr));
     LARGE_INTEGER end{};
-    if (!SetFilePointerEx(file_, {}, &end, FILE_END)) return std::nullopt;
+    if (!file_ || !SetFilePointerEx(file_.get(), {}, &end, FILE_END)) return std::nullopt;
     return static_cast<std::uint64_t>(end.QuadPart);
   }
-  bool append(std::string_view text) noexcept override {
-    DWORD written = 0;
-    return WriteFile(file_, text.data(), static_cast<DWORD>(text.size()), &written, nullptr) != FALSE;
-  }
+  void append(std::string_view text) noexcept override { file_.write(text); }
   bool shift(int number) noexcept override {
-    if (number == 0) close();
+    if (number == 0) file_ = File();
     const auto at = static_cast<std::size_t>(number);
     return MoveFileExW(wide(paths_[at]), wide(paths_[at + 1]), MOVEFILE_REPLACE_EXISTING) != FALSE;
   }
 
  private:
-  void close() noexcept {
-    if (file_ != INVALID_HANDLE_VALUE) CloseHandle(file_);
-    file_ = INVALID_HANDLE_VALUE;
-  }
-
   std::array<String, modem::TraceLog::older + 1> paths_;
-  HANDLE file_ = INVALID_HANDLE_VALUE;
+  File file_;
 };
 
 std::string stampOfNow() {
