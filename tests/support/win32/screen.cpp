@@ -116,6 +116,19 @@ std::wstring cell(HWND list, int row, int column) {
   return text;
 }
 
+RECT cellArea(HWND list, int row, int column) {
+  const Remote memory(list, sizeof(RECT));
+  RECT area{LVIR_BOUNDS, column, 0, 0};
+  memory.write(&area, sizeof area);
+  SendMessageW(list, LVM_GETSUBITEMRECT, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(memory.at()));
+  memory.read(&area, sizeof area);
+  InflateRect(&area, -2, -2);  // there the focus has its rectangle
+  POINT corner{0, 0};
+  ClientToScreen(list, &corner);
+  OffsetRect(&area, corner.x, corner.y);
+  return area;
+}
+
 std::vector<std::wstring> treeLabels(HWND tree) {
   const Remote memory(tree, textAt + longest * sizeof(wchar_t));
   std::vector<std::wstring> labels;

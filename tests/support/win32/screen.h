@@ -31,6 +31,7 @@ std::wstring textOf(HWND window);
 // Of list and tree views in another process.
 int rows(HWND list);
 std::wstring cell(HWND list, int row, int column);
+RECT cellArea(HWND list, int row, int column);  // on the screen, without its edges
 std::vector<std::wstring> treeLabels(HWND tree);
 std::wstring statusText(HWND bar, int part);
 

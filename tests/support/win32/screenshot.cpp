@@ -1,6 +1,7 @@
 // Before our own windows header on purpose.
 #include "support/win32/screenshot.h"
 
+#include <algorithm>
 #include <utility>
 #include <vector>
 
@@ -125,6 +126,17 @@ bool saveScreenshot(DWORD process, const std::wstring& file) {
       },
       patience);
   return !now.bytes.empty() && write(now, file);
+}
+
+std::vector<bool> inkIn(const RECT& area) {
+  const Pixels pixels = capture(area);
+  std::vector<bool> ink;
+  for (UINT y = 0; y < pixels.height && !pixels.bytes.empty(); ++y) {
+    const BYTE* const line = pixels.bytes.data() + std::size_t{y} * pixels.stride;
+    for (UINT x = 0; x < pixels.width; ++x)
+      ink.push_back(!std::equal(line + x * 3, line + x * 3 + 3, pixels.bytes.data()));
+  }
+  return ink;
 }
 
 }  // namespace screen

@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "support/win32/screenshot.h"
 #include "system/mailclient/window_fixture.h"
 
 namespace {
@@ -71,6 +72,35 @@ TEST_F(WindowTest, MarkedAsUnread_TheFolderCounts_AndTheCommandsFollowTheSelecti
   EXPECT_TRUE(waitUntil([&] { return treeLabels(tree()).at(1) == L"Inbox (1)"; }));
   press('Q', true);
   EXPECT_TRUE(waitUntil([&] { return treeLabels(tree()).at(1) == L"Inbox"; }));
+}
+
+// Two rows with the same text look the same when both are read. A bold text takes more ink: at this size every upright
+// stroke is two pixels wide instead of one.
+TEST_F(WindowTest, UnreadItem_IsBoldInTheListUntilItIsRead) {
+  for (const char* const subject : {"Ill will fills till", "Ill will fills till", "Another"}) item("Inbox", subject);
+  ASSERT_TRUE(waitUntil([&] { return rows(list()) == 3 && cell(list(), 2, 1) == L"Another"; }));
+  ASSERT_TRUE(toFront(explorer_));
+  const auto ink = [&](int row) { return inkIn(cellArea(list(), row, 1)); };
+  const auto amount = [](const std::vector<bool>& of) { return std::count(of.begin(), of.end(), true); };
+  const auto select = [&](WORD key, int row) {
+    press(key);
+    return waitUntil([&] { return SendMessageW(list(), LVM_GETNEXTITEM, WPARAM(-1), LVNI_SELECTED) == row; });
+  };
+  std::vector<bool> plain;
+  ASSERT_TRUE(waitUntil([&] { return amount(plain = ink(0)) > 0 && ink(1) == plain; })) << "both are read";
+
+  ASSERT_TRUE(select(VK_HOME, 0));
+  press('U', true);
+  ASSERT_TRUE(waitUntil([&] { return treeLabels(tree()).at(1) == L"Inbox (1)"; }));
+  ASSERT_TRUE(select(VK_END, 2)) << "what is selected has other colours";
+  EXPECT_TRUE(waitUntil([&] { return amount(ink(0)) * 4 > amount(plain) * 5; }))
+      << amount(ink(0)) << " pixels, and " << amount(plain) << " when it is read";
+  EXPECT_EQ(ink(1), plain) << "the other row has not changed";
+
+  ASSERT_TRUE(select(VK_HOME, 0) && select(VK_END, 2));
+  ASSERT_TRUE(waitUntil([&] { return treeLabels(tree()).at(1) == L"Inbox"; })) << "it was shown";
+  EXPECT_TRUE(waitUntil([&] { return ink(0) == plain; })) << amount(ink(0)) << " pixels";
+  EXPECT_EQ(ink(1), plain);
 }
 
 TEST_F(WindowTest, ReadingPane_ShowsTheSelectedItem_AndCanBeSwitchedOff) {
