@@ -121,6 +121,14 @@ Result packetRegistration(const Call& call) {
   return registrationSetting(call, call.settings().packetRegistrationReports);
 }
 
+// Attached is what is registered, and can be nothing else.
+Result packetAttachment(const Call& call) {
+  const int attached = call.handset().isRegistered() ? 1 : 0;
+  int wanted = attached;
+  const Result result = numberSetting(call, wanted, 1);
+  return wanted == attached ? result : Result::cme(cme::operationNotAllowed);
+}
+
 constexpr std::array<std::string_view, 3> operatorNames{"Simulated network", "SimNet", "00101"};
 
 Result selectOperator(const Call& call) {
@@ -241,6 +249,7 @@ constexpr std::array general{
     Command{"+CSQ", signalQuality},
     Command{"+CREG", registration},
     Command{"+CGREG", packetRegistration},
+    Command{"+CGATT", packetAttachment},
     Command{"+COPS", operatorSelection, true},
     Command{"+CFUN", functionality},
     Command{"+CBC", battery},

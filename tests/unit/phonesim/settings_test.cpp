@@ -40,9 +40,13 @@ TEST_F(SettingsTest, PacketRegistration_IsReportedByItself) {
   EXPECT_EQ(ask("AT+CGREG=2;+CGREG?;+CREG?"), "+CGREG: 2,1,\"0001\",\"0001\"|+CREG: 0,1|OK|");
   handset.setRegistration(Registration::Searching);
   EXPECT_EQ(lines(heard()), "+CGREG: 2|");
+  EXPECT_EQ(ask("AT+CGATT=?;+CGATT?"), "+CGATT: (0-1)|+CGATT: 0|OK|");
+  EXPECT_EQ(ask("AT+CGATT=1"), "+CME ERROR: 3|");
   EXPECT_EQ(ask("AT+CREG=1;+CGREG=1"), "OK|");
   handset.setRegistration(Registration::Home);
   EXPECT_EQ(lines(heard()), "+CREG: 1|+CGREG: 1|");
+  EXPECT_EQ(ask("AT+CGATT?;+CGATT=1"), "+CGATT: 1|OK|");
+  EXPECT_EQ(ask("AT+CGATT=2"), "+CME ERROR: 50|");
 }
 
 TEST_F(SettingsTest, Strings_WearTheCharacterSetThatWasChosen) {
