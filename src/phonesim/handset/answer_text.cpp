@@ -50,6 +50,10 @@ std::string numberAndType(const std::optional<phone::Address>& number, Character
   return quotedText(phone::shown(told), set) + ',' + std::to_string(phone::typeOctet(told));
 }
 
+std::string bookNumberAndType(const std::optional<phone::Address>& number) {
+  return numberAndType(number, CharacterSet::Ira);
+}
+
 std::string quotedTime(const phone::TimeStamp& time) {
   std::array<char, 80> text{};
   std::snprintf(text.data(), text.size(), "\"%02d/%02d/%02d,%02d:%02d:%02d%+03d\"", time.year % 100, time.month,

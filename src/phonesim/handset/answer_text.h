@@ -21,6 +21,9 @@ std::string fromConstant(std::string_view constant);
 std::string quotedText(std::u16string_view text, CharacterSet set);
 // <number>,<type>: "+46701",145. No number is told as an empty one.
 std::string numberAndType(const std::optional<phone::Address>& number, CharacterSet set);
+// The same in a phone book, where only names are in the character set of +CSCS: nothing in 3GPP TS 27.007 has numbers
+// converted, as TS 27.005 has those of messages, and programs show what they find here as the number.
+std::string bookNumberAndType(const std::optional<phone::Address>& number);
 // "26/02/03,04:05:06+04": quarters of an hour from Greenwich (3GPP TS 27.007, 8.15).
 std::string quotedTime(const phone::TimeStamp& time);
 

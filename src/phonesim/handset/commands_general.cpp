@@ -36,9 +36,7 @@ std::string text(const Call& call, std::string_view ascii) {
   return '"' + inCharacterSet(ascii, call.settings().characters) + '"';
 }
 
-Result ownNumber(const Call& call) {
-  return tell(call, "+CNUM: ," + numberAndType(call.handset().number(), call.settings().characters));
-}
+Result ownNumber(const Call& call) { return tell(call, "+CNUM: ," + bookNumberAndType(call.handset().number())); }
 
 // ---- how it answers ----
 
@@ -121,7 +119,29 @@ Result packetRegistration(const Call& call) {
   return registrationSetting(call, call.settings().packetRegistrationReports);
 }
 
+// Attached is what is registered, and can be nothing else.
+Result packetAttachment(const Call& call) {
+  const int attached = call.handset().isRegistered() ? 1 : 0;
+  int wanted = attached;
+  const Result result = settle(call, wanted, {.most = 1});
+  return wanted == attached ? result : Result::cme(cme::operationNotAllowed);
+}
+
 constexpr std::array<std::string_view, 3> operatorNames{"Simulated network", "SimNet", "00101"};
+
+// The numeric name is digits in every character set.
+std::string operatorText(const Call& call, std::size_t format) {
+  constexpr std::size_t numeric = 2;
+  return format == numeric ? stringConstant(operatorNames[format]) : text(call, operatorNames[format]);
+}
+
+// Whether the command names the operator, in the character set or as it stands.
+bool namesOperator(const Call& call, std::string_view wanted) {
+  if (call.command.count() < 3) return false;
+  const std::string& typed = call.command.arguments[2].text;
+  return typed == wanted ||
+         fromCharacterSet(typed, call.settings().characters) == std::u16string(wanted.begin(), wanted.end());
+}
 
 Result selectOperator(const Call& call) {
   enum Mode { automatic = 0, manual = 1, none = 2, formatOnly = 3 };
@@ -129,13 +149,8 @@ Result selectOperator(const Call& call) {
   const auto format = call.command.numberAt(1, 0, 2, call.settings().operatorFormat);
   if (!mode || !format) return incorrectParameters;
   Handset& handset = call.handset();
-  if (*mode == manual) {
-    const auto name = call.command.count() < 3
-                          ? std::nullopt
-                          : fromCharacterSet(call.command.arguments[2].text, call.settings().characters);
-    const std::string_view wanted = operatorNames[static_cast<std::size_t>(*format)];
-    if (name != std::u16string(wanted.begin(), wanted.end())) return Result::cme(cme::noNetworkService);
-  }
+  if (*mode == manual && !namesOperator(call, operatorNames[static_cast<std::size_t>(*format)]))
+    return Result::cme(cme::noNetworkService);
   if (*mode == none) handset.setRegistration(Registration::Off);
   if (*mode <= manual && handset.registration() == Registration::Off) handset.setRegistration(Registration::Home);
   call.settings().operatorFormat = *format;
@@ -146,12 +161,12 @@ Result operatorSelection(const Call& call) {
   const auto format = static_cast<std::size_t>(call.settings().operatorFormat);
   switch (call.command.form) {
     case Form::Test:
-      call.answer.line("+COPS: (2," + text(call, operatorNames[0]) + ',' + text(call, operatorNames[1]) + ',' +
-                       text(call, operatorNames[2]) + ",0),,(0-3),(0-2)");
+      call.answer.line("+COPS: (2," + operatorText(call, 0) + ',' + operatorText(call, 1) + ',' +
+                       operatorText(call, 2) + ",0),,(0-3),(0-2)");
       return Result::ok();
     case Form::Read:
       call.answer.line(call.handset().isRegistered()
-                           ? "+COPS: 0," + std::to_string(format) + ',' + text(call, operatorNames[format])
+                           ? "+COPS: 0," + std::to_string(format) + ',' + operatorText(call, format)
                            : "+COPS: 0");
       return Result::ok();
     case Form::Set:
@@ -241,6 +256,7 @@ constexpr std::array general{
     Command{"+CSQ", signalQuality},
     Command{"+CREG", registration},
     Command{"+CGREG", packetRegistration},
+    Command{"+CGATT", packetAttachment},
     Command{"+COPS", operatorSelection, true},
     Command{"+CFUN", functionality},
     Command{"+CBC", battery},

@@ -160,7 +160,7 @@ Result routing(const Call& call) {
   Routing routing = call.settings().routing;
   const std::array fields{&routing.mode, &routing.messages, &routing.broadcasts, &routing.reports, &routing.buffered};
   if (call.command.form == Form::Test) {
-    call.answer.line("+CNMI: (0-3),(0-3),(0,2),(0,1),(0,1)");
+    call.answer.line("+CNMI: (0-3),(0-3),(0,2),(0-2),(0,1)");
     return Result::ok();
   }
   if (call.command.form == Form::Read) {
@@ -170,7 +170,7 @@ Result routing(const Call& call) {
     return Result::ok();
   }
   // Broadcasts may be routed; none ever arrives.
-  static constexpr std::array most{3, 3, 2, 1, 1};
+  static constexpr std::array most{3, 3, 2, 2, 1};
   if (call.command.form != Form::Set || call.command.count() > fields.size()) return invalidParameter(call);
   for (std::size_t i = 0; i < fields.size(); ++i) {
     const auto value = call.command.numberAt(i, 0, 3, *fields[i]);

@@ -62,7 +62,7 @@ Result phoneBook(const Call& call) {
 
 void tellEntry(const Call& call, int index, const Contact& contact) {
   const CharacterSet set = call.settings().characters;
-  call.answer.line(call.command.name + ": " + std::to_string(index) + ',' + numberAndType(contact.number, set) + ',' +
+  call.answer.line(call.command.name + ": " + std::to_string(index) + ',' + bookNumberAndType(contact.number) + ',' +
                    quotedText(contact.name, set));
 }
 

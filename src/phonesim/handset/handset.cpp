@@ -166,6 +166,20 @@ void Handset::report(const phone::Message& message, std::uint8_t reference) {
   };
   const Octets pdu = phone::encodeStatusReport(report).octets;
   for (Port* const port : ports_) port->announceReport(pdu);
+  if (!asksFor(Routing::directReports) && asksFor(Routing::storedReports)) storeReport(pdu);
+}
+
+bool Handset::asksFor(int reports) const {
+  return std::ranges::any_of(ports_, [=](const Port* port) { return port->settings.routing.reports == reports; });
+}
+
+// Where messages arrive. Without room it is lost: a report is not worth keeping the messages behind it waiting.
+void Handset::storeReport(const Octets& pdu) {
+  const auto slot = state_.memories.add(arrivals(), {Status::ReceivedUnread, pdu});
+  if (!slot) return;
+  changed();
+  for (Port* const port : ports_) port->announceStoredReport(*slot);
+  network_.stored(*slot);
 }
 
 void Handset::insertSim(std::string pin) {

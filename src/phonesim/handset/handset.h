@@ -159,6 +159,8 @@ class Handset {
   bool isPin(const std::string& pin);
   std::optional<Arrival> arrive(const Octets& pdu);
   void report(const phone::Message& message, std::uint8_t reference);
+  bool asksFor(int reports) const;  // whether any host does, with +CNMI
+  void storeReport(const Octets& pdu);
 
   Identity identity_;
   State state_;

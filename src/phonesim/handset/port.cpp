@@ -27,6 +27,10 @@ std::string garbled(std::string text) {
   return text;
 }
 
+std::string nameAndNumber(Slot slot) {
+  return '"' + std::string(nameOf(slot.place)) + "\"," + std::to_string(slot.number);
+}
+
 }  // namespace
 
 void Port::receive(std::string_view octets, Time now) {
@@ -293,13 +297,16 @@ void Port::expireAcknowledgement() {
 }
 
 void Port::announceReport(const Octets& pdu) {
-  if (settings.routing.reports != 1) return;
+  if (settings.routing.reports != Routing::directReports) return;
   announceRouted("+CDS: " + (settings.textMode ? textView(pdu).reported() : lengthAndPdu(pdu)));
 }
 
 void Port::announceStored(Slot slot) {
-  if (settings.routing.messages == 0) return;
-  announceRouted("+CMTI: \"" + std::string(nameOf(slot.place)) + "\"," + std::to_string(slot.number));
+  if (settings.routing.messages != 0) announceRouted("+CMTI: " + nameAndNumber(slot));
+}
+
+void Port::announceStoredReport(Slot slot) {
+  if (settings.routing.reports == Routing::storedReports) announceRouted("+CDSI: " + nameAndNumber(slot));
 }
 
 void Port::announceRegistration() {

@@ -24,7 +24,8 @@ struct Routing {
   int mode = 0;
   int messages = 0;
   int broadcasts = 0;
-  int reports = 0;
+  enum Reports { noReports = 0, directReports = 1, storedReports = 2 };
+  int reports = noReports;
   int buffered = 0;
 };
 
@@ -115,6 +116,7 @@ class Port {
   void announceStored(Slot slot);
   void announceRegistration();
   void announceReport(const Octets& pdu);
+  void announceStoredReport(Slot slot);
 
   // ---- for the commands ----
   using Continuation = std::function<Result(Answer&, std::string_view typed)>;

@@ -175,6 +175,35 @@ TEST_F(DeliveryTest, StatusReport_GoesToTheHostThatWantsThem) {
             "+CMGS: 1|OK|+CDS: 25\r\n07916407000000F006010B916407281553F8622030405060406220304050604000|");
 }
 
+TEST_F(DeliveryTest, StatusReport_IsStoredForAHostThatReadsItLater) {
+  const std::string reported = "0031000B916407281553F80000AA0AE8329BFD4697D9EC37";
+  const std::string report = "07916407000000F006010B916407281553F8622030405060406220304050604000";
+  ask("AT+CNMI=2,1,0,2");
+  type("AT+CMGS=23\r");
+  EXPECT_EQ(answerPrompt(reported), "+CMGS: 1|OK|+CDSI: \"SM\",1|");
+  EXPECT_THAT(network.said, ElementsAre("SM 1"));
+  EXPECT_EQ(ask("AT+CMGR=1"), "+CMGR: 0,,25\r\n" + report + "|OK|");
+  // Without the request there is none.
+  type("AT+CMGS=23\r");
+  EXPECT_EQ(answerPrompt(submitPdu), "+CMGS: 2|OK|");
+  EXPECT_EQ(ask("AT+CPMS=\"SM\",\"SM\",\"SM\""), "+CPMS: 1,3,1,3,1,3|OK|");
+  // In a full memory there is no place for it; the message is sent all the same.
+  deliver();
+  deliver();
+  heard();
+  type("AT+CMGS=23\r");
+  EXPECT_EQ(answerPrompt(reported), "+CMGS: 3|OK|");
+  EXPECT_TRUE(handset.state().waiting.empty());
+  // A host that takes reports directly is told, and then nothing is stored.
+  EXPECT_EQ(ask("AT+CMGD=1,4"), "OK|");
+  Port other(handset);
+  other.setRouting({.mode = 2, .reports = Routing::directReports});
+  type("AT+CMGS=23\r");
+  EXPECT_EQ(answerPrompt(reported), "+CMGS: 4|OK|");
+  EXPECT_EQ(lines(other.take(now)), "+CDS: 25\r\n07916407000000F006040B916407281553F8622030405060406220304050604000|");
+  EXPECT_EQ(handset.memories().used(View::Both), 0);
+}
+
 TEST_F(DeliveryTest, MarkedTwice_IsTakenOnce) {
   handset.deliverMarked("A1", octets(deliverPdu));
   handset.deliverMarked("A1", octets(deliverPdu));
@@ -185,13 +214,13 @@ TEST_F(DeliveryTest, MarkedTwice_IsTakenOnce) {
 }
 
 TEST_F(DeliveryTest, Routing_TellsAndRefuses) {
-  EXPECT_EQ(ask("AT+CNMI=?"), "+CNMI: (0-3),(0-3),(0,2),(0,1),(0,1)|OK|");
+  EXPECT_EQ(ask("AT+CNMI=?"), "+CNMI: (0-3),(0-3),(0,2),(0-2),(0,1)|OK|");
   EXPECT_EQ(ask("AT+CNMI=3,1,0,1,1"), "OK|");
   EXPECT_EQ(ask("AT+CNMI=,2"), "OK|");
   EXPECT_EQ(ask("AT+CNMI?"), "+CNMI: 3,2,0,1,1|OK|");
   EXPECT_EQ(ask("AT+CNMI=2,1,1"), "+CMS ERROR: 303|");
   EXPECT_EQ(ask("AT+CNMI=2,1,3"), "+CMS ERROR: 303|");
-  EXPECT_EQ(ask("AT+CNMI=2,1,0,2"), "+CMS ERROR: 303|");
+  EXPECT_EQ(ask("AT+CNMI=2,1,0,3"), "+CMS ERROR: 303|");
   EXPECT_EQ(ask("AT+CNMI=4"), "+CMS ERROR: 304|");
   EXPECT_EQ(ask("AT+CNMI=1,2,0,0,0,0"), "+CMS ERROR: 304|");
   EXPECT_EQ(ask("AT+CNMI?"), "+CNMI: 3,2,0,1,1|OK|");

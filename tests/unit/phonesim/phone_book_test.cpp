@@ -72,6 +72,14 @@ TEST_F(PhoneBookTest, NumberThatIsTooLong_IsToldFromOneThatIsNone) {
   EXPECT_EQ(ask("AT+CPBW=1,\"0041006E006E0061006C006900730061\""), "+CME ERROR: 27|");
 }
 
+TEST_F(PhoneBookTest, Numbers_AreReadAsDigitsWhateverTheCharacterSet) {
+  ask("AT+CPBW=1,\"+46701234\",145,\"Al\"");
+  EXPECT_EQ(ask("AT+CSCS=\"UCS2\";+CPBR=1;+CPBF=\"0041\";+CNUM"),
+            "+CPBR: 1,\"+46701234\",145,\"0041006C\"|+CPBF: 1,\"+46701234\",145,\"0041006C\"|"
+            "+CNUM: ,\"+46700000001\",145|OK|");
+  EXPECT_EQ(ask("AT+CPBS=\"ON\";+CPBR=1"), "+CPBR: 1,\"+46700000001\",145,\"\"|OK|");
+}
+
 TEST_F(PhoneBookTest, Type_IsKept) {
   EXPECT_EQ(ask("AT+CPBW=1,\"0701\",161,\"A\";+CPBW=2,\"+4670\",129;+CPBW=3,\"4670\",255"), "OK|");
   EXPECT_EQ(ask("AT+CPBR=1,3"), R"(+CPBR: 1,"0701",161,"A"|+CPBR: 2,"4670",129,""|+CPBR: 3,"4670",255,""|OK|)");
@@ -87,7 +95,7 @@ TEST_F(PhoneBookTest, NameWithQuotesAndLineEnds_ComesBackWhole) {
   EXPECT_EQ(name(), u"\u00D6be 5\u00D622 \u00D6");
   EXPECT_EQ(ask("AT+CPBR=1"), R"(+CPBR: 1,"1",129,"\be 5\5C22 \"|OK|)");
   ask("AT+CSCS=\"UCS2\"");
-  EXPECT_EQ(ask("AT+CPBW=1,\"1\",129,\"00220031\";+CPBR=1"), "+CPBR: 1,\"0031\",129,\"00220031\"|OK|");
+  EXPECT_EQ(ask("AT+CPBW=1,\"1\",129,\"00220031\";+CPBR=1"), "+CPBR: 1,\"1\",129,\"00220031\"|OK|");
 }
 
 TEST_F(PhoneBookTest, Full_IsFull) {
@@ -107,8 +115,8 @@ TEST_F(PhoneBookTest, Find_GivesNamesThatBeginLikeThat) {
 TEST_F(PhoneBookTest, Names_AreInTheCharacterSetThatWasChosen) {
   EXPECT_EQ(ask("AT+CSCS=\"UCS2\";+CPBW=1,\"002B00340036\",145,\"00C5042F\""), "OK|");
   EXPECT_EQ(handset.contacts(Place::Sim).entries().at(1), (Contact{number(u"+46"), u"\u00C5\u042F"}));
-  EXPECT_EQ(ask("AT+CPBR=1"), "+CPBR: 1,\"002B00340036\",145,\"00C5042F\"|OK|");
-  EXPECT_EQ(ask("AT+CSCS=\"HEX\";+CPBR=1"), "+CPBR: 1,\"2B3436\",145,\"0E3F\"|OK|");  // the alphabet lacks the second
+  EXPECT_EQ(ask("AT+CPBR=1"), "+CPBR: 1,\"+46\",145,\"00C5042F\"|OK|");
+  EXPECT_EQ(ask("AT+CSCS=\"HEX\";+CPBR=1"), "+CPBR: 1,\"+46\",145,\"0E3F\"|OK|");  // the alphabet lacks the second
   EXPECT_EQ(ask("AT+CSCS=\"IRA\";+CPBR=1"), "+CPBR: 1,\"+46\",145,\"??\"|OK|");
 }
 

@@ -40,9 +40,13 @@ TEST_F(SettingsTest, PacketRegistration_IsReportedByItself) {
   EXPECT_EQ(ask("AT+CGREG=2;+CGREG?;+CREG?"), "+CGREG: 2,1,\"0001\",\"0001\"|+CREG: 0,1|OK|");
   handset.setRegistration(Registration::Searching);
   EXPECT_EQ(lines(heard()), "+CGREG: 2|");
+  EXPECT_EQ(ask("AT+CGATT=?;+CGATT?"), "+CGATT: (0,1)|+CGATT: 0|OK|");
+  EXPECT_EQ(ask("AT+CGATT=1"), "+CME ERROR: 3|");
   EXPECT_EQ(ask("AT+CREG=1;+CGREG=1"), "OK|");
   handset.setRegistration(Registration::Home);
   EXPECT_EQ(lines(heard()), "+CREG: 1|+CGREG: 1|");
+  EXPECT_EQ(ask("AT+CGATT?;+CGATT=1"), "+CGATT: 1|OK|");
+  EXPECT_EQ(ask("AT+CGATT=2"), "+CME ERROR: 50|");
 }
 
 TEST_F(SettingsTest, Strings_WearTheCharacterSetThatWasChosen) {
@@ -50,6 +54,11 @@ TEST_F(SettingsTest, Strings_WearTheCharacterSetThatWasChosen) {
   EXPECT_EQ(ask("AT+COPS=3,1;+CSCS=\"HEX\";+COPS?"), "+COPS: 0,1,\"53696D4E6574\"|OK|");
   EXPECT_EQ(ask("AT+CSCS=\"UCS2\";+COPS?"), "+COPS: 0,1,\"00530069006D004E00650074\"|OK|");
   EXPECT_EQ(ask("AT+CSCS?"), "+CSCS: \"UCS2\"|OK|");
+  // Digits are digits.
+  EXPECT_EQ(ask("AT+COPS=3,2;+COPS?"), "+COPS: 0,2,\"00101\"|OK|");
+  EXPECT_EQ(ask("AT+COPS=1,2,\"00101\";+COPS=1,2,\"00300030003100300031\""), "OK|");
+  EXPECT_EQ(ask("AT+COPS=1,1,\"00530069006D004E00650074\""), "OK|");
+  EXPECT_EQ(ask("AT+COPS=1,2,\"00102\""), "+CME ERROR: 30|");
 }
 
 TEST_F(SettingsTest, Functionality_SwitchesTheRadioAndRestarts) {
