@@ -73,6 +73,7 @@ Listing Modem::list(Memory which) {
   if (!isSupported(which)) return {{Outcome::Kind::NoMemory}, {}};
   ensureSetUp();
   Contents contents;
+  Answer answer;
   for (int attempt = 0; attempt < 2 && !contents.complete; ++attempt) {
     if (attempt > 0) {
       // Perhaps it was switched off and on, and is back in text mode.
@@ -80,12 +81,16 @@ Listing Modem::list(Memory which) {
       ensureSetUp();
     }
     if (const auto result = choose(which); !result || !result->ok()) return {outcomeOf(result), {}};
-    contents.take(askListing());
+    answer = askListing();
+    contents.take(answer);
   }
   const int capacity = memory(which).capacity;
   if (!contents.complete) contents.doubtUnseen(capacity > 0 ? capacity : mostSlots);
   readDoubtful(which, contents, listing);
   for (auto& [index, message] : contents.whole) listing.messages.push_back(std::move(message));
+  // There is something, as it says itself, and neither the list nor any slot can be read: what there is is not known.
+  if (!contents.complete && listing.messages.empty() && memory(which).used > 0 && listing.outcome.done())
+    listing.outcome = outcomeOf(answer.result);
   return listing;
 }
 

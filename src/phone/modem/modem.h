@@ -30,6 +30,7 @@ enum class Registration : std::uint8_t { No = 0, Home = 1, Searching = 2, Denied
 struct MemoryState {
   std::string name;  // under which the modem knows it; empty: there is none
   int capacity = 0;  // 0: the modem does not tell
+  int used = 0;      // as it said when the memory was chosen: the count may lag behind, or always be 0
 };
 
 // Something that the modem said of itself.

@@ -162,12 +162,14 @@ std::optional<Result> Modem::chooseByName(const std::string& name, MemoryState& 
   return result;
 }
 
-// "<used1>,<total1>,...". Used counts are not looked at: they lag behind, or are always 0.
+// "<used1>,<total1>,...".
 void Modem::takeCounts(const Answer& answer, MemoryState& state) {
   if (answer.information.empty()) return;
   auto fields = at::fieldsOf(answer.information.back().text);
   std::erase_if(fields, [](const at::Field& field) { return field.quoted; });
-  if (fields.size() >= 2) state.capacity = std::max(0, fields[1].number().value_or(0));
+  if (fields.size() < 2) return;
+  state.used = fields[0].number().value_or(0);
+  state.capacity = std::max(0, fields[1].number().value_or(0));
 }
 
 Answer Modem::run(const Command& command) {

@@ -52,7 +52,7 @@ bool LineWorker::find() {
     const auto at = static_cast<std::size_t>(memory);
     presence.supported[at] = modem.isSupported(memory);
     presence.capacity[at] = modem.memory(memory).capacity;
-    if (presence.supported[at]) presence.stored[at] = modem.list(memory).messages;
+    if (presence.supported[at]) presence.listings[at] = modem.list(memory);
   }
   link_->found = true;
   lastLoss_.clear();

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 namespace servers::modem {
 
@@ -13,6 +14,12 @@ using phone::Slot;
 using phone::StoredPdu;
 
 namespace {
+
+// A text that has come by way of a store ends at the first of these.
+platform::String withoutEnds(platform::String text) {
+  std::ranges::replace(text, u'\0', u'\uFFFD');
+  return text;
+}
 
 phone::Joining::Instant moment(Instant now) { return phone::Joining::Instant(now); }
 
@@ -32,20 +39,30 @@ void MessageCopy::take(Memory memory, const std::vector<StoredPdu>& listing, Ins
   Slots& present = slots(memory);
   present.erase(present.begin(), present.lower_bound(firstKept));
   for (const StoredPdu& message : listing)
-    if (message.index < firstKept) present.insert_or_assign(message.index, message);
+    if (message.index < firstKept) put({memory, message.index}, message);
+  // Whatever was announced and is not there any more, somebody else has deleted.
+  std::erase_if(announced_, [memory](Slot slot) { return slot.memory == memory; });
   update(memory, now);
 }
 
-void MessageCopy::takeOne(Slot slot, const StoredPdu& message, Instant now) {
-  slots(slot.memory).insert_or_assign(slot.index, message);
+void MessageCopy::takeOne(Slot slot, StoredPdu message, Instant now) {
+  if (isKeptHere(slot)) return;
+  put(slot, std::move(message));
   update(slot.memory, now);
 }
 
-void MessageCopy::keep(const std::string& pdu, Instant now) {
-  Slots& present = slots(Memory::Sim);
-  const int index = present.empty() ? firstKept : std::max(firstKept, present.rbegin()->first + 1);
+void MessageCopy::put(Slot slot, StoredPdu message) {
+  if (announced_.erase(slot) > 0 && message.status == phone::Status::ReceivedRead)
+    message.status = phone::Status::ReceivedUnread;
+  slots(slot.memory).insert_or_assign(slot.index, std::move(message));
+}
+
+void MessageCopy::keep(const std::string& pdu, Memory memory, Instant now) {
+  int index = firstKept;
+  while (slots(memory).contains(index)) ++index;
   if (index > INT16_MAX) return;
-  takeOne({Memory::Sim, index}, {index, phone::Status::ReceivedUnread, pdu}, now);
+  put({memory, index}, {index, phone::Status::ReceivedUnread, pdu});
+  update(memory, now);
 }
 
 void MessageCopy::update(Memory memory, Instant now) {
@@ -73,7 +90,7 @@ StoredMessage MessageCopy::shown(const JoinedMessage& message) {
           static_cast<std::int16_t>(message.handle.index),
           static_cast<handset::Status>(message.status),
           phone::shown(message.peer),
-          message.text,
+          withoutEnds(message.text),
           message.timeStamp ? phone::twelveDigits(*message.timeStamp) : platform::String()};
 }
 
@@ -103,9 +120,12 @@ std::vector<MessageCopy::Deletion> MessageCopy::withPdus(const std::vector<Slot>
   return deletions;
 }
 
-void MessageCopy::deleted(Slot slot) {
-  joining_.deleted(slot);
-  slots(slot.memory).erase(slot.index);
+void MessageCopy::deleted(const Deletion& deletion) {
+  Slots& present = slots(deletion.slot.memory);
+  const auto found = present.find(deletion.slot.index);
+  if (found == present.end() || found->second.pdu != deletion.pdu) return;
+  joining_.deleted(deletion.slot);
+  present.erase(found);
 }
 
 }  // namespace servers::modem

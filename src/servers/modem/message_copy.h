@@ -3,6 +3,7 @@
 
 #include <array>
 #include <map>
+#include <set>
 #include <vector>
 
 #include "phone/joining/joining.h"
@@ -24,9 +25,14 @@ class MessageCopy {
 
   // All that is in a memory.
   void take(phone::Memory memory, const std::vector<phone::StoredPdu>& listing, phone::Instant now);
-  void takeOne(phone::Slot slot, const phone::StoredPdu& message, phone::Instant now);
-  // A message that the phone has stored nowhere lies here, in a slot that no phone has, until it is deleted.
-  void keep(const std::string& pdu, phone::Instant now);
+  // One that is said to lie where kept ones do (see there) is passed over: no phone has such a slot.
+  void takeOne(phone::Slot slot, phone::StoredPdu message, phone::Instant now);
+  // The phone says that a message has arrived there. The next one that is seen there is unread, whatever the phone says
+  // of it: it may have been read in vain before.
+  void announced(phone::Slot slot) { announced_.insert(slot); }
+  // A message that the phone has stored nowhere lies here, as if in that memory, in a slot that no phone has, until it
+  // is deleted.
+  void keep(const std::string& pdu, phone::Memory memory, phone::Instant now);
   static bool isKeptHere(phone::Slot slot) noexcept { return slot.index >= firstKept; }
 
   // Slots in use on the phone.
@@ -44,7 +50,8 @@ class MessageCopy {
   std::vector<Deletion> toDelete(phone::Slot slot) const;
   // Rests of messages that are gone.
   std::vector<Deletion> leftovers(phone::Instant now) const;
-  void deleted(phone::Slot slot);
+  // Another message that has come there since is not meant.
+  void deleted(const Deletion& deletion);
 
  private:
   static constexpr int firstKept = 30000;
@@ -52,10 +59,12 @@ class MessageCopy {
   using Slots = std::map<int, phone::StoredPdu>;
   Slots& slots(phone::Memory memory) { return slots_[static_cast<std::size_t>(memory)]; }
   const Slots& slots(phone::Memory memory) const { return slots_[static_cast<std::size_t>(memory)]; }
+  void put(phone::Slot slot, phone::StoredPdu message);
   void update(phone::Memory memory, phone::Instant now);
   std::vector<Deletion> withPdus(const std::vector<phone::Slot>& wanted) const;
 
   std::array<Slots, 2> slots_;
+  std::set<phone::Slot> announced_;  // and not seen yet
   phone::Joining joining_;
 };
 

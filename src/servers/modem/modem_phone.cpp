@@ -30,6 +30,9 @@ constexpr Milliseconds announcingAge{600000};
 // An answer that is on its way when the asker stops waiting would be taken for the answer to its next question.
 constexpr Milliseconds answerMargin{500};
 
+// Of announced messages that are read one by one; more of them are left to a listing.
+constexpr std::size_t mostReadings = 16;
+
 std::size_t at(Memory memory) { return static_cast<std::size_t>(memory); }
 
 }  // namespace
@@ -202,8 +205,8 @@ Phone::Request ModemPhone::remove(Store store, std::int16_t index, OnEnd onEnd) 
   // the request's address, the phone's thread keeps the request.
   ask([this, deletions = std::move(deletions), request = pending.get()](Modem& modem) -> Wire::Answer {
     std::vector<Removal> removals;
-    for (const auto& [slot, pdu] : deletions) {
-      removals.push_back({slot, MessageCopy::isKeptHere(slot) ? Outcome{} : modem.remove(slot, pdu)});
+    for (const MessageCopy::Deletion& one : deletions) {
+      removals.push_back({one, MessageCopy::isKeptHere(one.slot) ? Outcome{} : modem.remove(one.slot, one.pdu)});
       const Outcome::Kind kind = removals.back().outcome.kind;
       if (kind != Outcome::Kind::Done && kind != Outcome::Kind::Empty) break;
     }
@@ -219,8 +222,8 @@ void ModemPhone::removed(const Ref<Pending>& pending, const std::vector<Removal>
     const std::int32_t code = phone::resultCode(removal.outcome);
     if (code != handset::emptySlot) result = code;
     if (code != handset::emptySlot && code != handset::success) break;
-    copy_.deleted(removal.slot);
-    refreshSoon(removal.slot.memory);
+    copy_.deleted(removal.deletion);
+    refreshSoon(removal.deletion.slot.memory);
   }
   end(*pending.get(), result);
 }
@@ -287,13 +290,14 @@ void ModemPhone::ask(Wire::Deed deed) {
 void ModemPhone::found(Presence presence) {
   const Hold<ModemPhone> keep(this);
   presence_ = std::move(presence);
-  name_.assign(presence_.name.begin(), presence_.name.end());
-  for (const Memory memory : {Memory::Phone, Memory::Sim}) {
-    copy_.take(memory, presence_.stored[at(memory)], clock_.now());
-    refreshed_[at(memory)] = clock_.now();
-  }
-  presence_.stored = {};
+  name_.clear();
+  for (const char octet : presence_.name) name_ += static_cast<unsigned char>(octet);
   connected_ = true;
+  for (const Memory memory : {Memory::Phone, Memory::Sim}) {
+    taken(memory, presence_.listings[at(memory)]);
+    if (!presence_.listings[at(memory)].outcome.done()) refreshSoon(memory);
+  }
+  presence_.listings = {};
   record_->phoneFound();
   removeLeftovers();
   watchers_.tell(true);
@@ -305,6 +309,7 @@ void ModemPhone::lost() {
   const auto sends = std::exchange(sends_, {});
   record_->phoneLost();
   refreshing_ = {};
+  reading_.clear();
   // The askers may hold on to their requests; nothing comes of them any more.
   for (const auto& pending : std::exchange(pending_, {})) pending.get()->drop();
   watchers_.tell(false);
@@ -317,21 +322,44 @@ void ModemPhone::lost() {
 
 void ModemPhone::noticed(const phone::Notice& notice) {
   using Kind = phone::Notice::Kind;
-  if (notice.kind == Kind::Direct) copy_.keep(notice.pdu, clock_.now());
+  if (notice.kind == Kind::Direct)
+    copy_.keep(notice.pdu, isSupported(Memory::Sim) ? Memory::Sim : Memory::Phone, clock_.now());
   if (notice.kind != Kind::Stored || !connected_) return;
   if (notice.slot) return readSlot(*notice.slot);
   for (const Memory memory : {Memory::Phone, Memory::Sim}) refreshSoon(memory);
 }
 
+// Each slot once at a time, and not very many: a send should not wait behind them.
 void ModemPhone::readSlot(Slot slot) {
+  copy_.announced(slot);
+  if (const auto asked = reading_.find(slot); asked != reading_.end()) {
+    asked->second = true;
+    return;
+  }
+  if (reading_.size() == mostReadings) return refreshSoon(slot.memory);
+  reading_.emplace(slot, false);
   ask([this, slot](Modem& modem) -> Wire::Answer {
     const phone::Reading reading = modem.read(slot);
     return [this, slot, reading] {
+      const auto asked = reading_.extract(slot);
+      const bool announcedAgain = !asked.empty() && asked.mapped();
       if (!reading.outcome.done() || !reading.whole) return refreshSoon(slot.memory);
       copy_.takeOne(slot, reading.message, clock_.now());
       removeLeftovers();
+      if (announcedAgain) readSlot(slot);
     };
   });
+}
+
+// What was there is not forgotten because it cannot be read now.
+void ModemPhone::taken(Memory memory, const phone::Listing& listing) {
+  if (listing.outcome.done()) {
+    copy_.take(memory, listing.messages, clock_.now());
+    refreshed_[at(memory)] = clock_.now();
+    return;
+  }
+  for (const phone::StoredPdu& message : listing.messages)
+    copy_.takeOne({memory, message.index}, message, clock_.now());
 }
 
 void ModemPhone::refreshSoon(Memory memory) {
@@ -345,12 +373,8 @@ void ModemPhone::refresh(Memory memory) {
   ask([this, memory](Modem& modem) -> Wire::Answer {
     phone::Listing listing = modem.list(memory);
     return [this, memory, listing = std::move(listing)] {
-      if (listing.outcome.done()) {
-        copy_.take(memory, listing.messages, clock_.now());
-        refreshed_[at(memory)] = clock_.now();
-        return removeLeftovers();
-      }
-      // What was there is not forgotten because it cannot be read now.
+      taken(memory, listing);
+      if (listing.outcome.done()) return removeLeftovers();
       refreshing_[at(memory)] = scheduler_.after(retryDelay, [this, memory] { refresh(memory); });
     };
   });
@@ -361,8 +385,8 @@ void ModemPhone::removeLeftovers() {
   for (auto& leftover : copy_.leftovers(clock_.now()))
     ask([this, leftover](Modem& modem) -> Wire::Answer {
       const Outcome outcome = modem.remove(leftover.slot, leftover.pdu);
-      return [this, slot = leftover.slot, outcome] {
-        if (outcome.done() || outcome.kind == Outcome::Kind::Empty) copy_.deleted(slot);
+      return [this, leftover, outcome] {
+        if (outcome.done() || outcome.kind == Outcome::Kind::Empty) copy_.deleted(leftover);
       };
     });
 }

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <list>
+#include <map>
 #include <vector>
 
 #include "servers/common/scheduler.h"
@@ -46,7 +47,7 @@ class ModemPhone final : public handset::Phone {
     std::shared_ptr<phone::Sending> sending;  // the line's thread's until it has answered or lost the modem
   };
   struct Removal {
-    phone::Slot slot;
+    MessageCopy::Deletion deletion;
     phone::Outcome outcome;
   };
 
@@ -66,6 +67,7 @@ class ModemPhone final : public handset::Phone {
   void found(Presence presence);
   void lost();
   void noticed(const phone::Notice& notice);
+  void taken(phone::Memory memory, const phone::Listing& listing);
   void refresh(phone::Memory memory);
   void refreshSoon(phone::Memory memory);
   void readSlot(phone::Slot slot);
@@ -81,6 +83,7 @@ class ModemPhone final : public handset::Phone {
   Presence presence_;
   MessageCopy copy_;
   std::array<phone::Instant, 2> refreshed_{};
+  std::map<phone::Slot, bool> reading_;  // what is being read; true: and was announced again since
   std::shared_ptr<SendRecord> record_;
   std::function<bool()> isHeard_;
   std::list<OpenSend> sends_;

@@ -16,7 +16,7 @@ struct Presence {
   std::string name;
   std::array<bool, 2> supported{};
   std::array<int, 2> capacity{};  // 0: not known
-  std::array<std::vector<phone::StoredPdu>, 2> stored;
+  std::array<phone::Listing, 2> listings;
   bool announces = false;  // messages that arrive
   // Which time of finding one this is. What was asked of an earlier one must not be done by this one: its asker has
   // given it up, and may have asked again.

@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include "phone/pdu/decode.h"
+#include "phone/pdu/hex.h"
 #include "support/text.h"
 #include "unit/modem_phone/rig.h"
 
@@ -20,6 +22,26 @@ using platform::StringView;
 using servers::modem::ModemPhone;
 using testing_support::utf8;
 using Lines = std::vector<std::string>;
+
+// "hellohello" from +46701234567, as plain.txt has it in slot 1 of the SIM.
+inline const std::string hello = "07916407058099F9040B916407214365F70000102030405060000AE8329BFD4697D9EC37";
+
+inline std::string entryOf(const std::string& head, const std::string& pdu, int status) {
+  return "  say " + head + std::to_string(status) + ",," + std::to_string(*phone::tpduLength(*phone::fromHex(pdu))) +
+         "\n  say " + pdu + '\n';
+}
+
+// What a modem says to AT+CMGL=4 and AT+CMGR.
+inline std::string listingOf(const std::string& memory, const std::vector<std::pair<int, std::string>>& messages,
+                             int status = 0) {
+  std::string script = "on " + memory + ": AT+CMGL=4\n";
+  for (const auto& [index, pdu] : messages) script += entryOf("+CMGL: " + std::to_string(index) + ',', pdu, status);
+  return script + "  say OK\n";
+}
+
+inline std::string readingOf(const std::string& memory, int index, const std::string& pdu, int status = 0) {
+  return "on " + memory + ": AT+CMGR=" + std::to_string(index) + '\n' + entryOf("+CMGR: ", pdu, status) + "  say OK\n";
+}
 
 class ModemPhoneTest : public testing::Test {
  protected:

@@ -13,21 +13,7 @@ using namespace modem_testing;
 using phone::Milliseconds;
 using testing_support::errorNumberOf;
 
-const std::string hello = "07916407058099F9040B916407214365F70000102030405060000AE8329BFD4697D9EC37";
 const std::string hej = "07916407058099F9040B916407214365F70008102030405061000600480065006A";
-
-std::string listingOf(const std::string& memory, const std::vector<std::pair<int, std::string>>& messages) {
-  std::string script = "on " + memory + ": AT+CMGL=4\n";
-  for (const auto& [index, pdu] : messages)
-    script += "  say +CMGL: " + std::to_string(index) + ",0,," +
-              std::to_string(*phone::tpduLength(*phone::fromHex(pdu))) + "\n  say " + pdu + "\n";
-  return script + "  say OK\n";
-}
-
-std::string readingOf(const std::string& memory, int index, const std::string& pdu) {
-  return "on " + memory + ": AT+CMGR=" + std::to_string(index) + "\n  say +CMGR: 0,," +
-         std::to_string(*phone::tpduLength(*phone::fromHex(pdu))) + "\n  say " + pdu + "\n  say OK\n";
-}
 
 // A long message from +46701234567.
 Lines partsOf(std::u16string_view text) {
@@ -262,6 +248,10 @@ TEST_F(ModemPhoneTest, IdleModem_IsCheckedEachMinute) {
   EXPECT_EQ(rig.modem->heard, Lines());
   rig.step();
   EXPECT_EQ(rig.modem->heard, Lines{"AT+CMEE?"});
+  rig.step();
+  EXPECT_EQ(rig.modem->heard, Lines{"AT+CMEE?"});
+  rig.step();
+  EXPECT_EQ(rig.modem->heard, (Lines{"AT+CMEE?", "AT+CMEE?"}));
 }
 
 TEST_F(ModemPhoneTest, SimThatIsUnlockedLater_MakesAnotherPhoneOfIt) {

@@ -54,6 +54,44 @@ TEST_F(ModemPhoneTest, AnswerAfterTheAskersPatience_IsKeptForItsNextRequest) {
   EXPECT_EQ(heardOf("message").size(), 2u);
 }
 
+// It would be taken for the answer to the next request, which the asker makes when 25 seconds are over.
+TEST_F(ModemPhoneTest, AnswerJustBeforeTheAskersPatienceIsOver_IsKeptToo) {
+  begin(
+      "like plain\non message *\n  pause 24300\n  say +CMGS: 7\n  say OK\non message *\n  pause 24700\n  say "
+      "+CMGS: 8\n  say OK");
+  EXPECT_EQ(sent(u"In time"), "0");
+  EXPECT_EQ(sent(u"Nearly"), "");
+  EXPECT_EQ(sent(u"Nearly"), "0");
+  EXPECT_EQ(heardOf("message").size(), 2u);
+}
+
+TEST_F(ModemPhoneTest, LongMessages_HaveReferencesOfTheirOwn) {
+  begin("like plain");
+  EXPECT_EQ(sent(String(200, u'x')), "0");
+  EXPECT_EQ(sent(String(200, u'y')), "0");
+  // 05 00 03, the reference, the number of parts and which one this is.
+  Lines headers;
+  for (const std::string& part : heardOf("message")) headers.push_back(part.substr(part.find("050003"), 12));
+  EXPECT_EQ(headers, (Lines{"050003070201", "050003070202", "050003080201", "050003080202"}));
+}
+
+// Whoever asks cannot ask while there is no phone.
+TEST_F(ModemPhoneTest, HourAfterWhichAMessageIsForgotten_CountsOnlyWithAPhone) {
+  const auto pass = [this](int minutes) {
+    rig.clock.pass(std::chrono::minutes(minutes));
+    rig.time.run(minutes * 60000);
+  };
+  begin("like plain\non message *\n  lose\n");
+  EXPECT_EQ(sent(u"hellohello"), "888800D2");
+  rig.step();
+  pass(120);
+  begin("like plain");
+  pass(59);
+  EXPECT_EQ(sent(u"hellohello"), "888800D2");
+  pass(61);
+  EXPECT_EQ(sent(u"hellohello"), "0");
+}
+
 TEST_F(ModemPhoneTest, LongerText_IsWaitedForLonger) {
   begin("like plain\non message *\n  pause 40000\n  say +CMGS: 7\n  say OK");
   EXPECT_EQ(sent(String(160, u'x')), "0");
