@@ -70,7 +70,7 @@ void LineWorker::serve() {
       if (Wire::Answer answer = letter->deed(modem)) mailbox_.give(std::move(answer));
   } else if (clock_.now() >= nextCheck_) {
     check();
-  } else if (trace_ && !link_->untold.empty()) {
+  } else if (trace_ && !shy_ && !link_->untold.empty()) {
     describe();
   } else {
     modem.listen(nextCheck_);
@@ -92,7 +92,13 @@ void LineWorker::check() {
 void LineWorker::describe() {
   const Particular particular = link_->untold.front();
   link_->untold = link_->untold.subspan(1);
-  trace_->noteAbout(particular(link_->modem));
+  try {
+    trace_->noteAbout(particular(link_->modem));
+  } catch (const phone::at::NotAnswering&) {
+    // A phone that is used without a trace must be one with it.
+    shy_ = true;
+    throw;
+  }
 }
 
 void LineWorker::tellNotices() {

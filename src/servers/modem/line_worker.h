@@ -57,6 +57,7 @@ class LineWorker {
   WireEvents events_;
   phone::at::Trace* trace_;
   std::string lastLoss_;
+  bool shy_ = false;  // fell silent when it was asked about its network
   std::unique_ptr<Link> link_;
   std::uint32_t life_ = 0;
   phone::Instant nextCheck_{};

@@ -59,7 +59,14 @@ class SerialPort : public RegisteredServers {
     ports_.set(u"COM7");
   }
 
+  ~SerialPort() override {
+    DeleteFileW(wide(traceFile_));
+    RemoveDirectoryW(wide(file_ + u".trace"));
+  }
+
   std::optional<Operator> console_;
+  Setting traceFolder_{L"Software\\Marrick\\DVMWorker", L"TraceFolder"};
+  String traceFile_ = file_ + u".trace\\port_COM7.txt";
 };
 
 TEST_F(SerialPort, ModemBehindIt_ListsSendsAndDeletes) {
@@ -111,6 +118,38 @@ TEST_F(SerialPort, ModemPulledOut_IsLostAndFoundAgain) {
   EXPECT_EQ(notices->notices, (Notices{{0, phone}, {1, phone}}));
   EXPECT_THAT(textsOf(phone.SMS()), ElementsAre("1 +46701111111 one"));
   EXPECT_EQ(answerTo(phone.SMS(), [&] { return send(phone.SMS(), u"+46702222222", u"Hello"); }), " 0");
+}
+
+TEST_F(SerialPort, Trace_IsNamedAfterThePortAndHoldsNoTextsAndNumbers) {
+  ASSERT_EQ(console_->tell("deliver +46701111111 \"one\""), "ok stored");
+  ASSERT_FALSE(contentsOf(traceFile_).has_value());
+  traceFolder_.set(file_ + u".trace");
+  {
+    const auto sms = connectedPhone().SMS();
+    EXPECT_EQ(answerTo(sms, [&] { return send(sms, u"+46702222222", u"Hello"); }), " 0");
+    // The last that is asked when nothing else is to be done.
+    const auto described = [&] {
+      return contentsOf(traceFile_).value_or("").find("- service centre") != std::string::npos;
+    };
+    EXPECT_TRUE(serveUntil(described));
+  }
+  killWorker(handset());
+  const std::string trace = contentsOf(traceFile_).value_or("none");
+  std::size_t from = 0;
+  for (const char* const line :
+       {" > ATE0\r\n", " > AT+CMEE=1\r\n", " > AT+CMGF=0\r\n", " > AT+CNMI=2,1,0,0,0\r\n", " < +CMGL: 1,0,,"}) {
+    const std::size_t found = trace.find(line, from);
+    ASSERT_NE(found, std::string::npos) << line << trace;
+    from = found;
+  }
+  // The one octet more is the service centre, of which there is none in the message.
+  for (const char* const line :
+       {" > AT+CMGS=18\r\n", " > <19 octets>\r\n", " < +CMGS: ", " - SIM: ready\r\n", " - network: the SIM's own\r\n",
+        " - signal: -67 dBm\r\n", " - service centre on the SIM: \"***\"\r\n"})
+    EXPECT_NE(trace.find(line, from), std::string::npos) << line << trace;
+  // Texts and numbers of either message as they are and as they travel; those of the SIM and its service centre.
+  for (const char* const secret : {"Hello", "C8329BFD06", "EFB719", "1111", "2222", "46700", "6407"})
+    EXPECT_EQ(trace.find(secret), std::string::npos) << secret << trace;
 }
 
 TEST_F(SerialPort, WithoutTheValue_TheModemIsFoundByItself) {

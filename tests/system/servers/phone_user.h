@@ -38,6 +38,18 @@ inline std::vector<std::string> textsOf(const platform::sms_objectlib::SMS& sms)
   return texts;
 }
 
+// What a file holds that another process may be writing; nothing when it is not there.
+inline std::optional<std::string> contentsOf(const platform::String& path) {
+  const HANDLE file =
+      CreateFileW(wide(path), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr);
+  if (file == INVALID_HANDLE_VALUE) return std::nullopt;
+  std::string text(GetFileSize(file, nullptr), '\0');
+  DWORD read = 0;
+  EXPECT_TRUE(ReadFile(file, text.data(), static_cast<DWORD>(text.size()), &read, nullptr));
+  CloseHandle(file);
+  return text;
+}
+
 // The list that the system keeps of its serial ports, with ports that are not there.
 class SerialPorts {
  public:

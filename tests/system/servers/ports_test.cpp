@@ -1,6 +1,7 @@
 // The value "Ports": phones of dvmworker.exe that stand behind lines, with phonesim.exe at the other end.
 
 #include <algorithm>
+#include <chrono>
 
 #include <gmock/gmock.h>
 
@@ -68,15 +69,24 @@ class PortsOfUser : public RegisteredServers {
     return phonesim;
   }
   // What the trace's file holds.
-  std::optional<std::string> traced() const {
-    const HANDLE file = CreateFileW(wide(traceFile_), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                    OPEN_EXISTING, 0, nullptr);
-    if (file == INVALID_HANDLE_VALUE) return std::nullopt;
-    std::string text(GetFileSize(file, nullptr), '\0');
-    DWORD read = 0;
-    EXPECT_TRUE(ReadFile(file, text.data(), static_cast<DWORD>(text.size()), &read, nullptr));
-    CloseHandle(file);
-    return text;
+  std::optional<std::string> traced() const { return contentsOf(traceFile_); }
+  // A listing of the SIM card: how long its first answer took, and the number of messages.
+  struct TimedListing {
+    std::chrono::milliseconds first{};
+    std::size_t messages = 0;
+  };
+  static TimedListing timed(const sms_objectlib::SMS& sms) {
+    using Clock = std::chrono::steady_clock;
+    const auto answers = make<AnswerRecorder>(sms);
+    std::optional<Clock::time_point> answered;
+    answers->inside = [&] {
+      if (!answered) answered = Clock::now();
+    };
+    const auto asked = Clock::now();
+    const std::string last = std::to_string(sms.ListMessages(simCard, allStatuses)) + " 0";
+    EXPECT_TRUE(serveUntil([&] { return !answers->lines.empty() && answers->lines.back().starts_with(last); }));
+    const auto first = answered.value_or(Clock::time_point::max()) - asked;
+    return {std::chrono::duration_cast<std::chrono::milliseconds>(first), answers->messages.size()};
   }
   static std::int32_t sendHello(const sms_objectlib::SMS& sms) { return send(sms, u"+46702222222", u"Hello"); }
   static std::string answerToHello(const sms_objectlib::SMS& sms) {
@@ -173,6 +183,61 @@ TEST_F(PortsOfUser, MessageOnItsWayWithoutAClient_IsWaitedForAndItsOutcomeKept) 
   EXPECT_EQ(answerToHello(connectedPhone().SMS()), " 0");
   phonesim->type("sent");
   EXPECT_EQ(phonesim->awaitLine("ok 1").value_or("none"), "");
+}
+
+// Who asks gives a phone up that has said nothing for five seconds, and does not ask it again. So nothing that is
+// answered from the copy may wait for the line, however slow it is.
+constexpr std::chrono::milliseconds atOnce{1000};
+
+TEST_F(PortsOfUser, ThousandMessages_AreListedWithoutWaitingForTheLine) {
+  DeleteFileW(wide(memory_));
+  const auto phonesim = newPhoneInUse();
+  ASSERT_TRUE(phonesim->ask("capacity SM 1000").ok);
+  ASSERT_TRUE(phonesim->ask("fill SM").ok);
+  const auto sms = connectedPhone().SMS();
+  EXPECT_EQ(sms.StorageUsed(simCard), 1000);
+  // From here on, reading the memory would take a quarter of an hour.
+  ASSERT_TRUE(phonesim->ask("slow list 1000").ok);
+  for (int i = 0; i < 2; ++i) {
+    const TimedListing listing = timed(sms);
+    EXPECT_LT(listing.first, atOnce);
+    EXPECT_EQ(listing.messages, 1000u);
+  }
+}
+
+TEST_F(PortsOfUser, MemoryThatIsBeingRead_MakesNobodyWait) {
+  DeleteFileW(wide(memory_));
+  const auto phonesim = newPhoneInUse();
+  traceFolder_.set(file_ + u".trace");
+  ASSERT_TRUE(phonesim->ask("capacity SM 10").ok);
+  ASSERT_TRUE(phonesim->ask("fill SM").ok);
+  ASSERT_TRUE(phonesim->ask("slow list 300").ok);
+  const auto phone = newWorker().CellPhones().Item(0);
+  const auto isReading = [&] {
+    const std::string lines = traced().value_or("");
+    const std::size_t begun = lines.rfind("> AT+CMGL=4");
+    return begun != std::string::npos && lines.find("< +CMGL: ", begun) != std::string::npos &&
+           lines.find("< OK", begun) == std::string::npos;
+  };
+  // For the first time: it is no phone yet, which whoever asks is told at once.
+  ASSERT_TRUE(serveUntil(isReading));
+  const auto asked = std::chrono::steady_clock::now();
+  EXPECT_FALSE(phone.IsConnected());
+  EXPECT_EQ(errorNumberOf([&] { phone.SMS().ListMessages(simCard, allStatuses); }),
+            static_cast<std::int32_t>(0x88880001));
+  EXPECT_LT(std::chrono::steady_clock::now() - asked, atOnce);
+  EXPECT_TRUE(isReading());
+  ASSERT_TRUE(serveUntil([&] { return phone.IsConnected(); }));
+  // Again, after a deletion: what was read before is answered.
+  const auto sms = phone.SMS();
+  EXPECT_EQ(timed(sms).messages, 10u);
+  EXPECT_EQ(answerTo(sms, [&] { return sms.DeleteMessage(simCard, 3); }), " 0");
+  ASSERT_TRUE(serveUntil(isReading));
+  const TimedListing listing = timed(sms);
+  EXPECT_TRUE(isReading());
+  EXPECT_LT(listing.first, atOnce);
+  EXPECT_EQ(listing.messages, 9u);
+  killWorker(handset());  // which has the trace open
 }
 
 TEST_F(PortsOfUser, Trace_ShowsTheDialogueWithoutTextsAndNumbersUnlessTheyAreWanted) {

@@ -86,6 +86,18 @@ TEST_F(Description, NoAnswerToAQuestion_IsSaidAndTheDialogueGoesOn) {
   EXPECT_TRUE(phone->isConnected());
 }
 
+TEST_F(Description, ModemThatFallsSilentWhenAsked_IsFoundAgainAndNotAskedAnew) {
+  begin("like plain\non AT+CREG?\non AT\n  say OK\non AT\n");
+  EXPECT_TRUE(rig.step());
+  EXPECT_FALSE(rig.step());
+  EXPECT_EQ(told, (std::vector{true, false}));
+  begin("like plain");
+  EXPECT_EQ(told, (std::vector{true, false, true}));
+  rig.step();
+  rig.step();
+  EXPECT_EQ(rig.modem->heard, Lines{"AT+CMEE?"});
+}
+
 TEST_F(Description, LineThatBreaksMeanwhile_IsLostLikeAnyOtherAndAskedAnewWhenItIsBack) {
   begin("like plain\non AT+CREG?\n  lose\n");
   EXPECT_TRUE(rig.step());
