@@ -13,10 +13,11 @@ struct Words {
   int code;
 };
 
-// The words of 3GPP TS 27.005, 3.2.5, and what modems make of them.
+// The words of 3GPP TS 24.011, table 8.4, and of 3GPP TS 27.005, 3.2.5, and what modems make of them.
 constexpr Words cmsWords[] = {
     {"numbernotassigned", 1},
     {"unassignednumber", 1},
+    {"unassignedunallocatednumber", 1},
     {"barredbyoperator", 8},
     {"operatordeterminedbarring", 8},
     {"callbarred", 10},
@@ -31,12 +32,21 @@ constexpr Words cmsWords[] = {
     {"temporaryfailure", 41},
     {"congestion", 42},
     {"resourcesunavailable", 47},
+    {"resourcesunavailableunspecified", 47},
     {"facilitynotsubscribed", 50},
     {"requestedfacilitynotsubscribed", 50},
     {"facilitynotimplemented", 69},
     {"requestedfacilitynotimplemented", 69},
     {"invalidtransferreference", 81},
     {"invalidshortmessagetransferreferencevalue", 81},
+    {"invalidmessageunspecified", 95},
+    {"semanticallyincorrectmessage", 95},
+    {"invalidmandatoryinformation", 96},
+    {"messagetypenonexistentornotimplemented", 97},
+    {"messagenotcompatiblewithshortmessageprotocolstate", 98},
+    {"informationelementnonexistentornotimplemented", 99},
+    {"protocolerrorunspecified", 111},
+    {"interworkingunspecified", 127},
     {"smcentrebusy", 192},
     {"centrebusy", 192},
     {"scbusy", 192},

@@ -17,7 +17,7 @@ struct TimeStamp {
   int hour = 0;
   int minute = 0;
   int second = 0;
-  // The local time's distance from UTC in quarters of an hour (-79 to 79), when it makes sense.
+  // The local time's distance from UTC in quarters of an hour (-56 to 56), when it makes sense.
   std::optional<int> quarters = {};
   friend bool operator==(const TimeStamp&, const TimeStamp&) = default;
 };

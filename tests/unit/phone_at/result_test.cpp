@@ -46,6 +46,36 @@ TEST(AtResult, ErrorsInWords_HaveTheirNumbers) {
   expectResult("+CME ERROR: phone failure", Kind::CmeError, 0);
 }
 
+// 3GPP TS 24.011, table 8.4.
+TEST(AtResult, WordsOfTheNetwork_HaveTheirNumbers) {
+  const std::pair<const char*, int> causes[] = {
+      {"Unassigned (unallocated) number", 1},
+      {"Operator determined barring", 8},
+      {"Call barred", 10},
+      {"Short message transfer rejected", 21},
+      {"Destination out of order", 27},
+      {"Unidentified Subscriber", 28},
+      {"Facility rejected", 29},
+      {"Unknown Subscriber", 30},
+      {"Network out of order", 38},
+      {"Temporary failure", 41},
+      {"Congestion", 42},
+      {"Resources unavailable, unspecified", 47},
+      {"Requested facility not subscribed", 50},
+      {"Requested facility not implemented", 69},
+      {"Invalid short message transfer reference value", 81},
+      {"Invalid message, unspecified", 95},
+      {"Semantically incorrect message", 95},
+      {"Invalid mandatory information", 96},
+      {"Message type non-existent or not implemented", 97},
+      {"Message not compatible with short message protocol state", 98},
+      {"Information element non-existent or not implemented", 99},
+      {"Protocol error, unspecified", 111},
+      {"Interworking, unspecified", 127},
+  };
+  for (const auto& [words, code] : causes) expectResult(std::string("+CMS ERROR: ") + words, Kind::CmsError, code);
+}
+
 TEST(AtResult, WordsThatNobodyKnows_AreAnErrorAllTheSame) {
   expectResult("+CME ERROR: the cat is on the keyboard", Kind::CmeError, unknownWords);
   expectResult("+CMS ERROR:", Kind::CmsError, unknownWords);
