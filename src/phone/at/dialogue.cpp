@@ -172,7 +172,9 @@ bool Dialogue::sortInformation(const std::string& line, Running& running) {
 
 void Dialogue::sortUnsolicited(const std::string& line, Running* running) {
   const bool named = line.front() == '+' || line.front() == '^' || line.front() == '*';
-  if (trace_) trace_->received(line, named || saysReset(line) || saysReady(line) ? Content::Syntax : Content::Unknown);
+  // A text may begin like a name.
+  const bool known = (named && !isStrange(line)) || saysReset(line) || saysReady(line);
+  if (trace_) trace_->received(line, known ? Content::Syntax : Content::Unknown);
   if (saysReset(line) || saysReady(line)) reset_ = true;
   if (saysReset(line) && running) {
     // Nobody remembers the command. Only its answer may have been on the way.
@@ -185,8 +187,8 @@ void Dialogue::sortUnsolicited(const std::string& line, Running* running) {
   else if (running && isStrange(line))
     ++running->answer.strangeLines;
   // The answer of a command that was given up.
-  if (late_)
-    if (const auto text = after(late_->command.prefix, line); text && !late_->command.prefix.empty())
+  if (late_ && !late_->command.prefix.empty() && late_->answer.information.size() < mostInformation)
+    if (const auto text = after(late_->command.prefix, line))
       return late_->answer.information.push_back({std::string(*text), std::nullopt});
   if (bringsData(line)) {
     incomplete_ = Unsolicited{line, {}};
@@ -249,13 +251,21 @@ DataAnswer Dialogue::runWithData(const Command& command, std::string_view data) 
   beginCommand(running);
   running.deadline = in(promptLimit);
   waitFor(running);
-  // A modem that began anew meanwhile may have taken the length for a telephone number, in text mode.
-  if (!running.prompted || running.reset) {
+  if (running.prompted) {
+    const Instant end = in(pause_);
+    do readUntil(end);
+    while (clock_.now() < end);
+    sortAll(&running);
+  }
+  // A modem that began anew meanwhile may have taken the length for a telephone number, in text mode. An error behind
+  // the prompt would be taken for what became of the message.
+  if (!running.prompted || running.reset || answer.result) {
     finish(running, Stuck::BeforeData);
     return answer;
   }
-  for (const Instant end = in(pause_); clock_.now() < end;) readUntil(end);
-  running.awaitsPrompt = running.prompted = false;
+  // What was said so far has nothing to do with the message: its answer begins here.
+  answer = {};
+  running.awaitsPrompt = running.prompted = running.awaitsData = false;
   running.data = data;
   running.deadline = in(command.limit);
   if (trace_) trace_->sent(data, Content::Pdu);
@@ -272,11 +282,12 @@ DataAnswer Dialogue::runWithData(const Command& command, std::string_view data) 
 }
 
 void Dialogue::finish(Running& running, Stuck stuck) {
-  if (running.answer.result) {
+  if (running.answer.result && !running.prompted) {
     stray_ = !running.answer.result->ok();
     return;
   }
-  note("no answer");
+  // Perhaps it still waits for a message.
+  note(running.answer.result ? "an error behind the prompt" : "no answer");
   late_ = &running;
   try {
     recover(stuck);

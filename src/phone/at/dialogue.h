@@ -83,11 +83,13 @@ class Dialogue {
   // Waits until the modem says something that nobody asked for, `deadline` has passed, or the line was woken.
   void listen(Instant deadline);
 
-  // The first contact: `attempts` times ESC and "AT", in case somebody left the modem waiting for a message.
+  // The first contact: `attempts` times "AT", from the second on behind an ESC, in case somebody left the modem waiting
+  // for a message.
   void greet(int attempts);
 
   // True after a line that says that the modem began anew: it has forgotten what was set. Asking forgets it.
   bool takeReset() noexcept { return std::exchange(reset_, false); }
+  bool heardReset() const noexcept { return reset_; }
 
   // Before a message, for modems that lose what follows the prompt too soon.
   void pauseBeforeData(Milliseconds pause) noexcept { pause_ = pause; }

@@ -15,6 +15,10 @@ struct Slot {
   friend auto operator<=>(const Slot&, const Slot&) = default;
 };
 
+// The highest that can be told to those who ask for messages, in 16 bits, and still leaves room for numbers that no
+// phone has. No real memory comes near it.
+inline constexpr int mostIndex = 29999;
+
 // <stat>
 enum class Status : std::uint8_t { ReceivedUnread = 0, ReceivedRead = 1, StoredUnsent = 2, StoredSent = 3 };
 

@@ -27,7 +27,7 @@ Entry entryFrom(int index, const std::vector<at::Field>& fields, std::size_t sta
 std::optional<Entry> entryOfListing(const at::Information& information) {
   const auto fields = at::fieldsOf(information.text);
   const auto index = fields.front().number();
-  if (!index || *index < 0) return std::nullopt;
+  if (!index || *index < 0 || *index > mostIndex) return std::nullopt;
   return entryFrom(*index, fields, 1, information.data);
 }
 

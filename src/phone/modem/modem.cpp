@@ -17,6 +17,8 @@ namespace {
 constexpr Milliseconds listingLimit{30000};  // for each message
 constexpr Milliseconds slotLimit{25000};
 constexpr int mostSlots = 255;  // to look at when the modem does not tell how many there are
+constexpr int mostDoubted = 2000;
+constexpr int mostSilent = 10;  // slots without an answer, in one listing
 
 // From 6 on: for messages alone, at home and roaming; for emergency calls alone; with calls by other means than the
 // preferred ones, at home and roaming.
@@ -37,6 +39,14 @@ std::string plainNumber(const std::string& text) {
     if (octet != 0) number += static_cast<char>(octet);
   const bool plausible = std::all_of(number.begin(), number.end(), [](char c) { return c == '+' || at::isDigit(c); });
   return plausible && !number.empty() ? number : text;
+}
+
+// Of an answer without a message. What was damaged on its way may have been one; lines that nobody knows and that come
+// `again` are just something that this modem says.
+Outcome outcomeOfEmptyReading(const Answer& answer, bool again) {
+  if (!answer.result || (!answer.result->ok() && !saysEmpty(*answer.result))) return outcomeOf(answer.result);
+  const bool damaged = answer.messagesWithoutHeader > 0 || (answer.strangeLines > 0 && !again);
+  return {damaged ? Outcome::Kind::NoAnswer : Outcome::Kind::Empty};
 }
 
 }  // namespace
@@ -61,7 +71,8 @@ void Modem::hearStored(std::string_view text) {
   const auto index = fields.back().number();
   Notice notice{Notice::Kind::Stored, {}, {}};
   for (const Memory memory : {Memory::Phone, Memory::Sim})
-    if (fields.size() == 2 && index && *index >= 0 && fields[0].text == this->memory(memory).name)
+    if (fields.size() == 2 && index && *index >= 0 && *index <= mostIndex &&
+        fields[0].text == this->memory(memory).name)
       notice.slot = Slot{memory, *index};
   notices_.push_back(notice);
 }
@@ -80,13 +91,18 @@ Listing Modem::list(Memory which) {
       setUp_ = false;
       ensureSetUp();
     }
-    if (const auto result = choose(which); !result || !result->ok()) return {outcomeOf(result), {}};
+    const auto result = choose(which);
+    if (listing.outcome = outcomeOf(result); !listing.outcome.done()) break;
     answer = askListing();
     contents.take(answer);
   }
-  const int capacity = memory(which).capacity;
-  if (!contents.complete) contents.doubtUnseen(capacity > 0 ? capacity : mostSlots);
-  readDoubtful(which, contents, listing);
+  if (listing.outcome.done()) {
+    const int capacity = memory(which).capacity;
+    if (!contents.complete) contents.doubtUnseen(capacity > 0 ? capacity : mostSlots);
+    // More than is looked at: whatever lies there, it is not known.
+    if (!contents.complete && capacity > mostDoubted) listing.outcome = {Outcome::Kind::NoAnswer};
+    readDoubtful(which, contents, listing);
+  }
   for (auto& [index, message] : contents.whole) listing.messages.push_back(std::move(message));
   // There is something, as it says itself, and neither the list nor any slot can be read: what there is is not known.
   if (!contents.complete && listing.messages.empty() && memory(which).used > 0 && listing.outcome.done())
@@ -124,45 +140,51 @@ void Modem::Contents::take(const Answer& answer) {
 }
 
 // Some modems begin with slot 0, most with 1.
-void Modem::Contents::doubtUnseen(int mostIndex) {
-  for (int index = 0; index <= mostIndex; ++index)
+void Modem::Contents::doubtUnseen(int last) {
+  for (int index = 0; index <= std::min(last, mostDoubted); ++index)
     if (!whole.contains(index)) doubtful.emplace(index, StoredPdu{index, Status::ReceivedRead, {}});
 }
 
 void Modem::readDoubtful(Memory which, Contents& contents, Listing& listing) {
+  int silent = 0;
   for (auto& [index, seen] : contents.doubtful) {
-    Reading reading = read({which, index});
-    if (reading.outcome.kind == Outcome::Kind::NoAnswer) reading = read({which, index});
-    const bool unread = seen.status == Status::ReceivedUnread;
-    if (reading.outcome.done())
-      seen = std::move(reading.message);
-    else if (reading.outcome.kind == Outcome::Kind::NoAnswer)
-      listing.outcome = reading.outcome;
-    else if (reading.outcome.kind == Outcome::Kind::Empty)
-      continue;
-    // Refusals are slots that do not exist, unless something was seen there: better damaged than invisible.
-    if (seen.pdu.empty()) continue;
-    if (unread) seen.status = Status::ReceivedUnread;
-    contents.whole.emplace(index, std::move(seen));
+    // One that does not even answer needs not be asked for thousands.
+    if (silent < mostSilent) {
+      Reading reading = read({which, index});
+      if (reading.outcome.kind == Outcome::Kind::NoAnswer) reading = read({which, index});
+      const bool unread = seen.status == Status::ReceivedUnread;
+      if (reading.outcome.done()) seen = std::move(reading.message);
+      if (unread) seen.status = Status::ReceivedUnread;
+      if (reading.outcome.kind == Outcome::Kind::NoAnswer) {
+        listing.outcome = reading.outcome;
+        ++silent;
+      }
+    }
+    // Refused and empty slots are none, unless something was seen there: better damaged than invisible.
+    if (!seen.pdu.empty()) contents.whole.emplace(index, std::move(seen));
   }
 }
 
 Reading Modem::read(Slot slot) {
   if (!isSupported(slot.memory)) return {{Outcome::Kind::NoMemory}, {}, false};
-  ensureSetUp();
   Reading reading;
+  bool unread = false;
   // Twice is enough: what does not come whole comes damaged rather than not at all.
   for (int attempt = 0; attempt < 2; ++attempt) {
+    ensureSetUp();
     if (const auto result = choose(slot.memory); !result || !result->ok()) return {outcomeOf(result), {}, false};
     const Answer answer = runPatiently({command("AT+CMGR=", slot.index), "+CMGR", true, false, slotLimit});
     if (answer.information.empty()) {
-      const bool empty = answer.result && (answer.result->ok() || saysEmpty(*answer.result));
-      return {empty ? Outcome{Outcome::Kind::Empty} : outcomeOf(answer.result), {}, false};
+      reading = {outcomeOfEmptyReading(answer, attempt > 0), {}, false};
+      if (answer.damaged() || dialogue_.heardReset()) continue;
+      return reading;
     }
-    const Entry entry = entryOfReading(answer.information.back(), slot.index);
-    reading = {{}, entry.message, entry.whole};
+    Entry entry = entryOfReading(answer.information.back(), slot.index);
+    // Having been read once, it is a read one for the modem.
+    unread = unread || entry.message.status == Status::ReceivedUnread;
+    if (unread) entry.message.status = Status::ReceivedUnread;
+    reading = {{}, std::move(entry.message), entry.whole};
     if (entry.whole) break;
-    ensureSetUp();
   }
   return reading;
 }
@@ -178,13 +200,21 @@ Reading Modem::readForSure(Slot slot) {
   return {{Outcome::Kind::Empty}, {}, false};
 }
 
+// What did not work is begun from the beginning: the message may be gone by now, which only the slot can tell, and a
+// modem that was busy may have begun anew, and be about another memory.
 Outcome Modem::remove(Slot slot, std::string_view expected) {
+  const Instant end = clock_.now() + usualPatience;
   bool asked = false;
-  Outcome outcome = removeChecked(slot, expected, asked);
-  if (outcome.kind != Outcome::Kind::NoAnswer) return outcome;
-  // It may be gone by now; only the slot can tell.
-  outcome = removeChecked(slot, expected, asked);
-  return asked && outcome.kind == Outcome::Kind::Empty ? Outcome{} : outcome;
+  for (bool again = false;;) {
+    const bool askedBefore = asked;
+    const Outcome outcome = removeChecked(slot, expected, asked);
+    if (askedBefore && outcome.kind == Outcome::Kind::Empty) return {};
+    const bool busy = outcome.kind == Outcome::Kind::Refused && isBusy(outcome.error);
+    if (busy && clock_.now() + busyPause <= end)
+      pause(busyPause);
+    else if (outcome.kind != Outcome::Kind::NoAnswer || std::exchange(again, true))
+      return outcome;
+  }
 }
 
 // `asked` becomes true when the modem was told to delete.
@@ -196,7 +226,7 @@ Outcome Modem::removeChecked(Slot slot, std::string_view expected, bool& asked) 
   if (const auto result = choose(slot.memory); !result || !result->ok()) return outcomeOf(result);
   asked = true;
   // With one number: more than one modem refuses the flag, even 0.
-  const Answer answer = runPatiently({command("AT+CMGD=", slot.index), {}, false, false, slotLimit});
+  const Answer answer = run({command("AT+CMGD=", slot.index), {}, false, false, slotLimit});
   if (answer.result && saysEmpty(*answer.result)) return {Outcome::Kind::Empty};
   return outcomeOf(answer.result);
 }

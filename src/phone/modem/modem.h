@@ -36,7 +36,8 @@ struct MemoryState {
 // Something that the modem said of itself.
 struct Notice {
   enum class Kind : std::uint8_t {
-    Stored,      // a message has arrived; in `slot`, if the modem's name for the memory is one of those in use
+    Stored,      // a message has arrived; in `slot`, if the modem's name for the memory is one of those in use. Without
+                 // it, one may have arrived anywhere: the modem began anew, and announced nothing meanwhile
     Direct,      // a message that is stored nowhere, in `pdu`
     MemoryFull,  // more messages wait in the network
   };
@@ -93,7 +94,7 @@ class Modem {
   Outcome send(Sending& sending);
 
   // Waits for the modem to say something, until `deadline` or until the line is woken.
-  void listen(Instant deadline) { dialogue_.listen(deadline); }
+  void listen(Instant deadline);
   // Is it still there, and does it still know what it was told? To be asked from time to time.
   void check();
   std::vector<Notice> takeNotices() { return std::exchange(notices_, {}); }
@@ -112,11 +113,12 @@ class Modem {
     int listings = 0;
 
     void take(const at::Answer& answer);
-    void doubtUnseen(int mostIndex);
+    void doubtUnseen(int last);
   };
 
   void hear(const at::Unsolicited& unsolicited);
   void hearStored(std::string_view text);
+  void beganAnew();
 
   // set_up.cpp
   void ensureSetUp();
@@ -128,8 +130,12 @@ class Modem {
   void identify();
   void findMemories();
   std::vector<std::string> offeredMemories();
+  bool offers(std::string_view name) const;
+  bool find(Memory memory, const char* name, Milliseconds patience);
+  void lookForMissing();
   std::optional<at::Result> choose(Memory memory);
-  std::optional<at::Result> chooseByName(const std::string& name, MemoryState& state);
+  std::optional<at::Result> chooseByName(const std::string& name, MemoryState& state,
+                                         Milliseconds patience = usualPatience);
   void takeCounts(const at::Answer& answer, MemoryState& state);
 
   at::Answer run(const at::Command& command);
@@ -148,6 +154,7 @@ class Modem {
   void keepRadioOn();
 
   static constexpr Milliseconds usualPatience{20000};
+  static constexpr Milliseconds busyPause{1000};
 
   const Clock& clock_;
   at::Dialogue dialogue_;
@@ -155,6 +162,7 @@ class Modem {
   std::string name_;
   SimState simState_ = SimState::Unknown;
   std::array<MemoryState, 2> memories_;
+  std::vector<std::string> offered_;  // names of memories
   bool setUp_ = false;
   bool announces_ = false;
   bool numbersErrors_ = false;       // +CMEE was accepted

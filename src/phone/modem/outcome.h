@@ -35,7 +35,8 @@ struct Outcome {
 //   0x888800CB   the text needs more than 255 messages
 //   0x888800D0   ERROR, without a number
 //   0x888800D1   no answer; the dialogue is in step again
-//   0x888800D2   handed to the network, but its answer is not known: the message may have been sent
+//   0x888800D2   handed to the network, but its answer is not known: the message may have been sent; also +CMS ERROR
+//                332 and +CME ERROR 31, time-outs, to a message that was handed over
 //   0x88881nnn   +CMS ERROR nnn (hexadecimal: 331, no network, is 0x8888114B); FFF for words that are not understood
 //   0x88882nnn   +CME ERROR nnn, in the same way
 std::int32_t resultCode(const Outcome& outcome) noexcept;

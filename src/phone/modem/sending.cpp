@@ -14,11 +14,35 @@ namespace {
 constexpr Milliseconds sendingLimit{120000};  // networks have taken more than 20 seconds
 constexpr Milliseconds slowPause{100};        // between prompt and message, for those that need it
 constexpr Milliseconds networkPause{5000};
-constexpr Milliseconds busyModemPause{1000};
 constexpr int mostRepeats = 2;
 
-// The network was asked and had no room at that moment. Not a time-out: whether the message goes is then open.
+// The network was asked and had no room at that moment.
 bool isPassing(const Result& error) { return error.isCms(41) || error.isCms(42) || error.isCms(47); }
+
+// The network had the message, and said nothing in time: whether it goes is open.
+bool isTimeOut(const Result& error) { return error.isCms(332) || error.isCme(31); }
+
+// "<mr>[,<ackpdu>]"
+std::optional<int> referenceOf(const std::string& text) {
+  const auto reference = at::wholeNumber(std::string_view(text).substr(0, text.find(',')));
+  return reference && *reference >= 0 && *reference <= 255 ? reference : std::nullopt;
+}
+
+// What became of a message that the modem has had.
+Outcome outcomeOfMessage(const DataAnswer& answer, int& reference) {
+  const bool failed = answer.result && !answer.result->ok();
+  if (!answer.information.empty()) {
+    const auto given = referenceOf(answer.information.back().text);
+    reference = given.value_or(-1);
+    // The network's answer counts, even when the modem's own OK is missing. Only a message that was accepted has a
+    // reference, so an error behind it is of something else.
+    return given || !failed ? Outcome{} : Outcome{Outcome::Kind::Unknown};
+  }
+  // An OK behind a line that was damaged: there was nothing else that it could have said.
+  if (answer.ok() && answer.damaged()) return {};
+  if (!failed || isTimeOut(*answer.result)) return {Outcome::Kind::Unknown};
+  return outcomeOf(answer.result);
+}
 
 }  // namespace
 
@@ -67,7 +91,7 @@ Outcome Modem::sendPart(Sending& sending) {
     }
     if (outcome.kind != Outcome::Kind::Refused || repeats == mostRepeats) return outcome;
     if (isBusy(outcome.error))
-      pause(busyModemPause);
+      pause(busyPause);
     else if (sending.sent > 0 && isPassing(outcome.error))
       pause(networkPause);
     else
@@ -80,24 +104,15 @@ Outcome Modem::handIn(const EncodedPdu& part, int& reference) {
   const at::Command command{"AT+CMGS=" + std::to_string(part.tpduLength), "+CMGS", false, false, sendingLimit};
   const std::string message = toHex(part.octets);
   DataAnswer answer = dialogue_.runWithData(command, message);
-  if (answer.dataSent && answer.result && answer.result->isCms(304) && dialogue_.pauseBeforeData() < slowPause) {
+  const bool tooShort = answer.dataSent && answer.result && answer.result->isCms(304) && answer.information.empty();
+  if (tooShort && dialogue_.pauseBeforeData() < slowPause) {
     // "Invalid PDU": one that begins too soon behind the prompt loses its beginning, and then its length is wrong.
     dialogue_.pauseBeforeData(slowPause);
     answer = dialogue_.runWithData(command, message);
     if (answer.result && !answer.result->ok()) dialogue_.pauseBeforeData(Milliseconds(0));
   }
   if (!answer.result) setUp_ = false;
-  // The network's answer counts, even when the modem's own OK is missing.
-  if (answer.dataSent && !answer.information.empty() && (!answer.result || answer.result->ok())) {
-    const std::string& text = answer.information.back().text;
-    reference = at::wholeNumber(text.substr(0, text.find(','))).value_or(-1);
-    return {};
-  }
-  if (!answer.dataSent) return outcomeOf(answer.result);
-  // An OK behind a line that was damaged: there was nothing else that it could have said.
-  if (answer.ok() && answer.damaged()) return {};
-  if (!answer.result || answer.result->ok()) return {Outcome::Kind::Unknown};
-  return outcomeOf(answer.result);
+  return answer.dataSent ? outcomeOfMessage(answer, reference) : outcomeOf(answer.result);
 }
 
 }  // namespace phone

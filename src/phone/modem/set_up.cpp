@@ -15,7 +15,6 @@ using at::Result;
 namespace {
 
 constexpr int greetings = 5;
-constexpr Milliseconds busyPause{1000};
 
 // A text of the modem that may be in quotes.
 std::string unquoted(std::string_view text) {
@@ -33,8 +32,21 @@ void Modem::connect() {
 }
 
 void Modem::ensureSetUp() {
-  if (dialogue_.takeReset()) setUp_ = false;
+  if (dialogue_.takeReset()) beganAnew();
   if (!setUp_) setUp();
+}
+
+// It has announced nothing since then. Not so when it is set up again only to make sure: what it then does wrong it may
+// do each time that it is looked at, and would be looked at for ever.
+void Modem::beganAnew() {
+  setUp_ = false;
+  notices_.push_back({Notice::Kind::Stored, {}, {}});
+}
+
+// Whatever a modem that began anew has still to do, it is told at once to announce messages.
+void Modem::listen(Instant deadline) {
+  if (!dialogue_.heardReset()) dialogue_.listen(deadline);
+  if (dialogue_.heardReset()) ensureSetUp();
 }
 
 // Refusals are no failures here, but for the format.
@@ -115,23 +127,37 @@ void Modem::findMemories() {
   if (const Answer answer = runPatiently({"AT+CPMS?", "+CPMS"}); !answer.information.empty())
     if (const auto words = at::wordsOf(answer.information.back().text); words.size() == 3) arrivals_ = words[2];
 
-  std::vector<std::string> offered = offeredMemories();
-  if (offered.empty()) offered = {"ME", "SM"};
-  const auto offers = [&](const char* name) {
-    return std::find(offered.begin(), offered.end(), name) != offered.end();
-  };
-  const auto find = [&](Memory memory, const char* name) {
-    MemoryState state;
-    const auto result = chooseByName(name, state);
-    if (result && result->ok()) state.name = name;
-    memories_[static_cast<std::size_t>(memory)] = state;
-    return !state.name.empty();
-  };
-  const bool phone = offers("ME") && find(Memory::Phone, "ME");
-  const bool sim = offers("SM") && find(Memory::Sim, "SM");
+  offered_ = offeredMemories();
+  if (offered_.empty()) offered_ = {"ME", "SM"};
+  memories_ = {};
+  const bool phone = offers("ME") && find(Memory::Phone, "ME", usualPatience);
+  const bool sim = offers("SM") && find(Memory::Sim, "SM", usualPatience);
   // Both seen as one: stands in for the memory that has no name of its own. What is then seen twice is joined later.
   if (!offers("MT") || (phone && sim)) return;
-  find(sim ? Memory::Phone : Memory::Sim, "MT");
+  find(sim ? Memory::Phone : Memory::Sim, "MT", usualPatience);
+}
+
+bool Modem::offers(std::string_view name) const {
+  return std::find(offered_.begin(), offered_.end(), name) != offered_.end();
+}
+
+bool Modem::find(Memory memory, const char* name, Milliseconds patience) {
+  MemoryState state;
+  const auto result = chooseByName(name, state, patience);
+  if (!result || !result->ok()) return false;
+  state.name = name;
+  memories_[static_cast<std::size_t>(memory)] = state;
+  return true;
+}
+
+// A SIM may have been unlocked, or have been busy for too long. A memory that is there stays as it is, and nobody waits
+// for one that is busy: it is looked for again.
+void Modem::lookForMissing() {
+  if (!isSupported(Memory::Phone) && !isSupported(Memory::Sim)) return findMemories();
+  constexpr Milliseconds none{0};
+  if (!isSupported(Memory::Phone) && offers("ME")) find(Memory::Phone, "ME", none);
+  // Some offer it only when it is ready.
+  if (!isSupported(Memory::Sim) && (offers("SM") || simState_ != SimState::Ready)) find(Memory::Sim, "SM", none);
 }
 
 std::optional<Result> Modem::choose(Memory which) {
@@ -141,7 +167,7 @@ std::optional<Result> Modem::choose(Memory which) {
 }
 
 // The memory for reading, for writing and for what arrives: three names, for modems that refuse that two, or one.
-std::optional<Result> Modem::chooseByName(const std::string& name, MemoryState& state) {
+std::optional<Result> Modem::chooseByName(const std::string& name, MemoryState& state, Milliseconds patience) {
   chosen_.clear();
   const std::string quoted = "\"" + name + "\"";
   const std::string arrivals = arrivals_.empty() ? quoted : "\"" + arrivals_ + "\"";
@@ -150,7 +176,7 @@ std::optional<Result> Modem::chooseByName(const std::string& name, MemoryState& 
   std::optional<Result> result;
   for (std::size_t rung = rung_.value_or(0); rung < rungs.size(); ++rung) {
     if (rung == 1 && rungs[1] == rungs[0]) continue;
-    const Answer answer = runPatiently({"AT+CPMS=" + rungs[rung], "+CPMS"});
+    const Answer answer = runPatiently({"AT+CPMS=" + rungs[rung], "+CPMS"}, patience);
     result = answer.result;
     if (answer.ok()) {
       rung_ = rung;
@@ -162,14 +188,14 @@ std::optional<Result> Modem::chooseByName(const std::string& name, MemoryState& 
   return result;
 }
 
-// "<used1>,<total1>,...".
+// "<used1>,<total1>,...". What has no slot number that could be told is no capacity.
 void Modem::takeCounts(const Answer& answer, MemoryState& state) {
   if (answer.information.empty()) return;
   auto fields = at::fieldsOf(answer.information.back().text);
   std::erase_if(fields, [](const at::Field& field) { return field.quoted; });
   if (fields.size() < 2) return;
   state.used = fields[0].number().value_or(0);
-  state.capacity = std::max(0, fields[1].number().value_or(0));
+  state.capacity = std::clamp(fields[1].number().value_or(0), 0, mostIndex + 1);
 }
 
 Answer Modem::run(const Command& command) {
@@ -179,13 +205,16 @@ Answer Modem::run(const Command& command) {
   return answer;
 }
 
-// Repeats what is refused only because the modem is busy with itself.
+// Repeats what is refused only because the modem is busy with itself. Messages that it gave all the same are read from
+// then on, so only this answer knows which were unread; and one that begins anew forgets which memory was chosen.
 Answer Modem::runPatiently(const Command& command, Milliseconds patience) {
   const Instant end = clock_.now() + patience;
   for (;;) {
     Answer answer = run(command);
     if (!answer.result || !isBusy(*answer.result) || clock_.now() + busyPause > end) return answer;
+    if (command.hasData && !answer.information.empty()) return answer;
     pause(busyPause);
+    if (command.hasData && dialogue_.heardReset()) return answer;
   }
 }
 
@@ -195,14 +224,13 @@ void Modem::pause(Milliseconds time) {
 
 void Modem::check() {
   ensureSetUp();
-  // A SIM that was locked, or busy for too long.
-  if (!isSupported(Memory::Phone) && !isSupported(Memory::Sim)) findMemories();
+  lookForMissing();
   if (!numbersErrors_) {
     run({"AT", {}});
     return;
   }
   const Answer answer = run({"AT+CMEE?", "+CMEE"});
-  if (!answer.information.empty() && answer.information.back().text == "0") setUp_ = false;
+  if (!answer.information.empty() && answer.information.back().text == "0") beganAnew();
   ensureSetUp();
 }
 

@@ -1,42 +1,7 @@
-#include "phone/at/dialogue.h"
+#include "unit/phone_at/dialogue_fixture.h"
 
-#include <gtest/gtest.h>
-
-#include "support/scripted_modem.h"
-
+namespace phone::at {
 namespace {
-
-using namespace phone::at;
-using phone::Instant;
-using phone::LineLost;
-using phone::Milliseconds;
-using testing_support::ScriptedModem;
-using Heard = std::vector<std::string>;
-using Kind = Result::Kind;
-using Infos = std::vector<Information>;
-
-class AtDialogue : public testing::Test {
- protected:
-  void modem(const std::string& script) {
-    modem_ = std::make_unique<ScriptedModem>(script);
-    dialogue_ = std::make_unique<Dialogue>(
-        *modem_, *modem_, [this](const Unsolicited& unsolicited) { unsolicited_.push_back(unsolicited); }, &trace_);
-  }
-  Answer run(const Command& command) { return dialogue_->run(command); }
-  Milliseconds timeOf(const std::function<void()>& work) const {
-    const Instant begin = modem_->now();
-    work();
-    return modem_->now() - begin;
-  }
-  static Command listing() { return {"AT+CMGL=4", "+CMGL", true, false, Milliseconds(20000)}; }
-  static Command sending() { return {"AT+CMGS=3", "+CMGS", false, false, Milliseconds(120000)}; }
-
-  std::unique_ptr<ScriptedModem> modem_;
-  std::unique_ptr<Dialogue> dialogue_;
-  std::vector<Unsolicited> unsolicited_;
-  std::vector<std::string> traced_;
-  Trace trace_{[this](std::string_view line) { traced_.emplace_back(line); }};
-};
 
 constexpr const char* sendsWell = R"(
 echo off
@@ -167,6 +132,15 @@ TEST_F(AtDialogue, AnswerThatComesWhileRecovering_IsStillGiven) {
   const Answer answer = run({"AT+CPMS?", "+CPMS"});
   EXPECT_FALSE(answer.result);
   EXPECT_EQ(answer.information, (Infos{{"\"SM\",1,20", {}}}));
+}
+
+TEST_F(AtDialogue, LateAnswerWithoutEnd_IsCut) {
+  std::string script = "echo off\non AT+CMGL=4\n  pause 20100\n";
+  for (int i = 0; i < 10010; ++i) script += "  raw +CMGL: 1,1,,2<CR><LF>\n";
+  modem(script);
+  const Answer answer = run({"AT+CMGL=4", "+CMGL", false, false, Milliseconds(20000)});
+  EXPECT_FALSE(answer.result);
+  EXPECT_EQ(answer.information.size(), 10000u);
 }
 
 TEST_F(AtDialogue, HalfALine_IsForgotten) {
@@ -330,7 +304,7 @@ echo off
 on AT+CMGS=3
   prompt <CR><LF>><SP>
 )");
-  struct Deaf final : phone::Line {
+  struct Deaf final : Line {
     explicit Deaf(ScriptedModem& m) : modem(m) {}
     void write(std::string_view octets, Instant deadline) override {
       if (octets.ends_with('\x1A')) octets.remove_suffix(1);
@@ -366,6 +340,37 @@ TEST_F(AtDialogue, PromptOfLongAgo_IsNotTakenForTheNext) {
   const DataAnswer answer = dialogue_->runWithData(sending(), "0001");
   EXPECT_FALSE(answer.dataSent);
   EXPECT_EQ(modem_->heard, Heard{"AT+CMGS=3"});
+}
+
+TEST_F(AtDialogue, ErrorBehindThePrompt_IsNotTheMessagesAndThePromptIsLeft) {
+  for (const char* said : {"prompt <CR><LF>><CR><LF><CR><LF>ERROR<CR><LF>", "prompt ><CR><LF>\n  say ERROR"}) {
+    traced_.clear();
+    modem("echo off\non AT+CMGS=3\n  " + std::string(said) + "\non escape\n  say OK\non AT+CSQ\n  say OK");
+    const DataAnswer answer = dialogue_->runWithData(sending(), "0001");
+    EXPECT_FALSE(answer.dataSent);
+    EXPECT_EQ(answer.result, (Result{Kind::Error, 0, "ERROR"}));
+    EXPECT_TRUE(run({"AT+CSQ", {}}).ok());
+    EXPECT_EQ(modem_->heard, (Heard{"AT+CMGS=3", "escape", "AT", "AT+CSQ"}));
+    EXPECT_EQ(traced_, (Heard{"> AT+CMGS=3", "< ERROR", "- an error behind the prompt", "< OK",
+                              "- nobody waits for that", "> AT", "< OK", "> AT+CSQ", "< OK"}));
+  }
+}
+
+TEST_F(AtDialogue, ErrorInThePauseBeforeTheMessage_KeepsItBack) {
+  modem("echo off\non AT+CMGS=3\n  prompt <CR><LF>><SP>\n  pause 50\n  say +CMS ERROR: 302\non escape\n  say OK");
+  dialogue_->pauseBeforeData(Milliseconds(100));
+  const DataAnswer answer = dialogue_->runWithData(sending(), "0001");
+  EXPECT_FALSE(answer.dataSent);
+  EXPECT_TRUE(answer.result->isCms(302));
+  EXPECT_EQ(modem_->heard, (Heard{"AT+CMGS=3", "escape", "AT"}));
+}
+
+TEST_F(AtDialogue, AnswersBeforeTheMessage_AreNotIts) {
+  modem("echo off\non AT+CMGS=3\n  say +CMGS: 5\n  say Noise\n  prompt <CR><LF>><SP>\non message *\n  say OK");
+  const DataAnswer answer = dialogue_->runWithData(sending(), "0001");
+  EXPECT_TRUE(answer.ok());
+  EXPECT_EQ(answer.information, Infos());
+  EXPECT_FALSE(answer.damaged());
 }
 
 TEST_F(AtDialogue, PauseBeforeTheMessage_IsKept) {
@@ -408,4 +413,23 @@ TEST_F(AtDialogue, UnknownLines_AreNotTracedInFull) {
   EXPECT_EQ(traced_, (Heard{"> AT+CSQ", "< <12 characters>", "< +CSQ: 1,99", "< OK"}));
 }
 
+// Some are the rest of a text of several lines, and begin like something that a modem says.
+TEST_F(AtDialogue, TextsThatBeginLikeNotices_AreNotTracedInFull) {
+  modem(R"(
+echo off
+at 10
+  say +CUSD: 0,"Balance 12
+  say *Anna hello hello*",15
+  say +Meet me at the old pier, darling
+  say ^
+  say ^RSSI:18
+  say +SMS FULL
+)");
+  dialogue_->listen(modem_->now() + Milliseconds(100));
+  for (int i = 0; i < 6; ++i) dialogue_->listen(modem_->now());
+  EXPECT_EQ(traced_, (Heard{"< +CUSD: 0,\"***", "< <22 characters>", "< <33 characters>", "< <1 characters>",
+                            "< ^RSSI:18", "< +SMS FULL"}));
+}
+
 }  // namespace
+}  // namespace phone::at

@@ -1,72 +1,8 @@
 // The driver against modems that behave differently, see tests/data/modems.
-#include "phone/modem/modem.h"
-
-#include <gtest/gtest.h>
-
-#include "support/scripted_modem.h"
+#include "unit/phone_modem/modem_fixture.h"
 
 namespace phone {
-
-void PrintTo(const StoredPdu& message, std::ostream* out) {
-  *out << message.index << " (" << static_cast<int>(message.status) << ") " << message.pdu;
-}
-
-void PrintTo(const Outcome& outcome, std::ostream* out) {
-  *out << static_cast<int>(outcome.kind) << " " << outcome.error.text;
-}
-
-}  // namespace phone
-
 namespace {
-
-using namespace phone;
-using testing_support::ScriptedModem;
-using Heard = std::vector<std::string>;
-using Kind = Outcome::Kind;
-
-// The messages of plain.txt.
-const std::string hello = "07916407058099F9040B916407214365F70000102030405060000AE8329BFD4697D9EC37";
-const std::string hej = "07916407058099F9040B916407214365F70008102030405061000600480065006A";
-// "hellohello" to +46701234567, by way of the SIM's own service centre.
-const std::string helloOut = "0001000B916407214365F700000AE8329BFD4697D9EC37";
-
-const std::vector<StoredPdu> bothMessages{{1, Status::ReceivedRead, hello}, {3, Status::ReceivedUnread, hej}};
-
-class ModemTest : public testing::Test {
- protected:
-  void attach(const std::string& name) {
-    // In this order: the modem's clock and line must outlive their user.
-    modem_.reset();
-    script_ = std::make_unique<ScriptedModem>(ScriptedModem::fromFile(name));
-    modem_ = std::make_unique<Modem>(*script_, *script_);
-  }
-  void connect(const std::string& name) {
-    attach(name);
-    modem_->connect();
-    script_->heard.clear();
-  }
-  std::vector<StoredPdu> listed(Memory memory) {
-    const Listing listing = modem_->list(memory);
-    EXPECT_EQ(listing.outcome, Outcome());
-    return listing.messages;
-  }
-  Outcome send(std::u16string_view text, std::u16string_view centre = {}) {
-    sending_ = {};
-    const Outcome prepared = Modem::prepare(centre, u"+46701234567", text, 9, sending_);
-    return prepared.done() ? modem_->send(sending_) : prepared;
-  }
-  void expectWorking() {
-    EXPECT_EQ(listed(Memory::Phone), std::vector<StoredPdu>());
-    EXPECT_EQ(listed(Memory::Sim), bothMessages);
-  }
-  static Outcome refused(int cms) {
-    return {Kind::Refused, {at::Result::Kind::CmsError, cms, "+CMS ERROR: " + std::to_string(cms)}};
-  }
-
-  std::unique_ptr<ScriptedModem> script_;
-  std::unique_ptr<Modem> modem_;
-  Sending sending_;
-};
 
 TEST_F(ModemTest, Connecting_SetsItUpAndFindsItsMemories) {
   attach("plain");
@@ -478,3 +414,4 @@ TEST_F(ModemTest, Trace_ShowsTheDialogueWithoutNumbersAndTexts) {
 }
 
 }  // namespace
+}  // namespace phone
