@@ -65,7 +65,7 @@ class MemoryFileTest : public testing::Test {
     state.reference = 7;
     state.memories.at(Place::Sim).slots[3] = {Status::ReceivedUnread, {0x07, 0x91, 0x0A}};
     state.memories.at(Place::Phone).slots[100] = {Status::StoredUnsent, {0x0D}};
-    state.contacts.at(Place::Sim).put(2, {"+46701234567", u"Björn Ek"});
+    state.contacts.at(Place::Sim).put(2, {phone::parseNumber(u"+46701234567").value(), u"Björn Ek"});
     state.waiting.push_back({0x04, 0x05});
     state.travelling.push_back({"+46700000002", "8C5B", {0x06}});
     state.taken.push_back("77A0");
