@@ -71,8 +71,8 @@ TEST_F(TornDown, DisconnectInsideTheListingWait_EndsItAtOnce) {
   clickUntilListing();
   const std::uint32_t start = testing_support::ticksNow();
   disconnectAddIn();
-  EXPECT_EQ(references(), Lines{});
   expectClickEnds();
+  EXPECT_EQ(references(), Lines{});
   EXPECT_LT(testing_support::ticksNow() - start, 4000u) << "not by the listing's time-out";
   EXPECT_EQ(traced(begun_), disconnectedByUserLines() + listingEnds());
 
