@@ -54,7 +54,7 @@ class MessageCopy {
   void deleted(const Deletion& deletion);
 
  private:
-  static constexpr int firstKept = 30000;
+  static constexpr int firstKept = phone::mostIndex + 1;
 
   using Slots = std::map<int, phone::StoredPdu>;
   Slots& slots(phone::Memory memory) { return slots_[static_cast<std::size_t>(memory)]; }
