@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
@@ -43,6 +44,8 @@ std::string grouped(std::int64_t number) {
 }
 
 std::string duration(double seconds) {
+  constexpr double nothing = 1e-12;  // but for what sums of differences leave
+  if (std::abs(seconds) < nothing) seconds = 0;
   struct Unit {
     double length;
     const char* name;
