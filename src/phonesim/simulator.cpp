@@ -55,8 +55,8 @@ void Simulator::run() {
           handset_.deliverMarked(mark, std::move(pdu));
           pump();
         },
-        [this](const std::string& mark) {
-          handset_.forgetTravelling(mark);
+        [this](const std::string& mark, bool arrived) {
+          if (arrived) handset_.forgetTravelling(mark);
           loop_.post([this] { pump(); });
         });
     notice("network " + toText(exchange_->endpoint()));

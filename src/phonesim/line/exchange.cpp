@@ -51,12 +51,12 @@ bool sameNumber(std::string_view one, std::string_view other) {
 }
 
 Exchange::Exchange(EventLoop& loop, Options options, const std::string& number, OnMessage onMessage,
-                   OnArrival onArrival)
+                   OnAttempt onAttempt)
     : loop_(loop),
       options_(std::move(options)),
       number_(number),
       onMessage_(std::move(onMessage)),
-      onArrival_(std::move(onArrival)),
+      onAttempt_(std::move(onAttempt)),
       listener_(loop, options_.listen, [this](std::shared_ptr<Stream> stream) { answerCall(std::move(stream)); }),
       alarm_(loop, [this] { end(false); }) {
   if (options_.folder.empty()) return;
@@ -171,12 +171,11 @@ void Exchange::end(bool arrived) {
   alarm_.cancel();
   if (const auto stream = std::exchange(outgoing_, nullptr)) stream->close();
   const Travelling message = *std::exchange(underway_, std::nullopt);
-  if (arrived) {
+  if (arrived)
     restsUntil_.erase(message.number);
-    onArrival_(message.mark);
-  } else {
+  else
     restsUntil_[message.number] = EventLoop::now() + pause;
-  }
+  onAttempt_(message.mark, arrived);
 }
 
 std::optional<std::chrono::milliseconds> Exchange::nextWork() const {

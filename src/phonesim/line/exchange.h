@@ -29,9 +29,10 @@ class Exchange {
   };
   // Takes a message that another simulator has sent; it must be safe when this returns.
   using OnMessage = std::function<void(const std::string& mark, Octets pdu)>;
-  using OnArrival = std::function<void(const std::string& mark)>;
+  // Tells that an attempt to hand over has ended; nextWork() is another one then, and other messages may be due.
+  using OnAttempt = std::function<void(const std::string& mark, bool arrived)>;
 
-  Exchange(EventLoop& loop, Options options, const std::string& number, OnMessage onMessage, OnArrival onArrival);
+  Exchange(EventLoop& loop, Options options, const std::string& number, OnMessage onMessage, OnAttempt onAttempt);
   ~Exchange();
   Exchange(const Exchange&) = delete;
   Exchange& operator=(const Exchange&) = delete;
@@ -39,7 +40,7 @@ class Exchange {
   Endpoint endpoint() const { return listener_.endpoint(); }
   // Whether a simulator has the number, be it running or not.
   bool knows(const std::string& number) const;
-  // Tries to hand over the first of these that is due; onArrival tells of it. Does nothing while one is on its way.
+  // Tries to hand over the first of these that is due; onAttempt tells of it. Does nothing while one is on its way.
   void work(const std::deque<Travelling>& messages);
   // When work() should be called again without anything having happened.
   std::optional<std::chrono::milliseconds> nextWork() const;
@@ -56,7 +57,7 @@ class Exchange {
   Options options_;
   std::string number_;
   OnMessage onMessage_;
-  OnArrival onArrival_;
+  OnAttempt onAttempt_;
   TcpListener listener_;
   Alarm alarm_;
   std::deque<std::shared_ptr<Stream>> incoming_;
