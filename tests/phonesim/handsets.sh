@@ -1,6 +1,9 @@
 # What the tests with running handsets share: sourced, with $phonesim set. It leaves the caller in a folder of its own,
 # which goes with it, and so do the handsets. What is wrong is told, and makes `failed` 1.
 
+# How long what should come is waited for. Nothing takes so long unless it hangs, however busy the machine is.
+patience=60
+
 work=$(mktemp -d)
 cd "$work"
 failed=0
@@ -36,10 +39,10 @@ expect_part() {
   sed 's/^/    /' "$1"
 }
 
-# wait_for FILE TEXT: until the file has it, 20 seconds at most.
+# wait_for FILE TEXT: until the file has it.
 wait_for() {
   local i
-  for ((i = 0; i < 400; i++)); do
+  for ((i = 0; i < patience * 20; i++)); do
     grep -qF -- "$2" "$1" 2>/dev/null && return
     sleep 0.05
   done
@@ -66,7 +69,7 @@ tell() {
   lines=$(wc -l <"$1.out")
   echo "$3" >&"$2"
   local i
-  for ((i = 0; i < 400; i++)); do
+  for ((i = 0; i < patience * 20; i++)); do
     tail -n +$((lines + 1)) "$1.out" >answer
     grep -qE '^(ok|error)' answer && return
     sleep 0.05

@@ -81,7 +81,9 @@ std::size_t Tour::itemsIn(const std::string& folder) {
 }
 
 bool Tour::waitFor(const std::string& folder, std::size_t count) {
-  return ask("wait " + MailClientProcess::quoted(folder) + " " + std::to_string(count) + " 20000").result == "yes";
+  return ask("wait " + MailClientProcess::quoted(folder) + " " + std::to_string(count) + " " + std::to_string(patience),
+             2 * patience)
+             .result == "yes";
 }
 
 std::string Tour::itemWith(const std::string& folder, const std::string& body) {

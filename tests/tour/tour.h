@@ -39,7 +39,9 @@ class Tour {
   void picture(const char* name);
 
   // ---- asking
-  Answer ask(const std::string& command) { return client_->ask(command); }
+  Answer ask(const std::string& command, std::uint32_t milliseconds = patience) {
+    return client_->ask(command, milliseconds);
+  }
   std::size_t itemsIn(const std::string& folder);
   bool waitFor(const std::string& folder, std::size_t count);
   // The item of a folder whose body is this text; empty when there is none.

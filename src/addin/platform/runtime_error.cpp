@@ -52,6 +52,11 @@ StringView standardText(std::int32_t number) noexcept {
   return e == entries.end() ? StringView(u"Application-defined or object-defined error") : e->text;
 }
 
+RuntimeError::RuntimeError(std::int32_t n, StringView src, StringView text)
+    : number(n), source(src), description(text), what_(std::to_string(n) + ' ') {
+  for (const char16_t unit : text) what_ += unit < 0x80 ? static_cast<char>(unit) : '?';
+}
+
 void raiseError(std::int32_t number, StringView source, StringView description) {
   throw RuntimeError(number, source, description);
 }

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <exception>
+#include <string>
 
 #include "addin/platform/text.h"
 
@@ -11,12 +12,17 @@ namespace platform {
 // Number, source and description, as the automation world reports a failure. Numbers 1 to 65535 are run-time errors
 // (see standardText); negative ones are the product's own -1 or an HRESULT.
 struct RuntimeError final : std::exception {
-  RuntimeError(std::int32_t n, StringView src, StringView text) : number(n), source(src), description(text) {}
-  const char* what() const noexcept override { return "platform::RuntimeError"; }
+  RuntimeError(std::int32_t n, StringView src, StringView text);
+  // "number description", for whoever knows no more of it than that it is an exception; other characters than ASCII
+  // are question marks.
+  const char* what() const noexcept override { return what_.c_str(); }
 
   std::int32_t number;
   String source;
   String description;
+
+ private:
+  std::string what_;
 };
 
 // Raises an error with the caller's own source and description.

@@ -7,8 +7,6 @@
 namespace testing_support {
 namespace {
 
-constexpr std::uint32_t patience = 10000;  // milliseconds
-
 std::wstring classOf(HWND window) {
   wchar_t name[64] = L"";
   RealGetWindowClassW(window, name, 64);
@@ -18,16 +16,14 @@ std::wstring classOf(HWND window) {
 }  // namespace
 
 DialogUser::DialogUser(const std::wstring& title) {
-  waitUntil(
-      [&] {
-        dialog_ = FindWindowW(L"#32770", title.c_str());
-        return isThere();
-      },
-      patience);
+  waitUntil([&] {
+    dialog_ = FindWindowW(L"#32770", title.c_str());
+    return isThere();
+  });
 }
 
 bool DialogUser::hasGone() const {
-  return waitUntil([&] { return !IsWindow(dialog_); }, patience);
+  return waitUntil([&] { return !IsWindow(dialog_); });
 }
 
 std::vector<HWND> DialogUser::controls() const {
@@ -50,12 +46,10 @@ HWND DialogUser::find(const wchar_t* className, std::size_t n) const {
 }
 
 bool DialogUser::waitFor(const std::wstring& caption, bool enabled) const {
-  return waitUntil(
-      [&] {
-        const HWND found = button(caption);
-        return found && (IsWindowEnabled(found) != FALSE) == enabled;
-      },
-      patience);
+  return waitUntil([&] {
+    const HWND found = button(caption);
+    return found && (IsWindowEnabled(found) != FALSE) == enabled;
+  });
 }
 
 HWND DialogUser::focus() const {
@@ -66,7 +60,7 @@ HWND DialogUser::focus() const {
 }
 
 bool DialogUser::waitForFocus(HWND control) const {
-  return waitUntil([&] { return focus() == control; }, patience);
+  return waitUntil([&] { return focus() == control; });
 }
 
 bool DialogUser::click(const std::wstring& caption) const {

@@ -17,13 +17,13 @@ namespace installed_product {
 
 using testing_support::Answer;
 using testing_support::MailClientProcess;
+using testing_support::patience;
 using testing_support::SavedSettings;
 using testing_support::TraceLog;
 using Lines = std::vector<std::string>;
 
 inline constexpr const char* sendReceive = "click \"Send & Receive Text Message\"";
 inline constexpr const char* addressOfBo = "Bo [+46707778899]";
-inline constexpr std::uint32_t patience = 15000;  // milliseconds; nothing here takes so long unless it hangs
 
 inline Lines operator+(Lines a, const Lines& b) {
   a.insert(a.end(), b.begin(), b.end());

@@ -27,7 +27,7 @@ MailClientProcess::MailClientProcess(const std::wstring& arguments, const std::w
 }
 
 bool MailClientProcess::awaitReady() {
-  ready_ = answerTo(0, 60000).result == "ready";
+  ready_ = answerTo(0).result == "ready";
   return ready_;
 }
 

@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "support/patience.h"
+
 namespace testing_support {
 
 // The folder of the programs under test: "bin" beside the folder of this test's program. No trailing backslash.
@@ -38,18 +40,18 @@ class MailClientProcess {
   // What the process ended with; 259 while it runs.
   std::uint32_t exitCode() const;
   // False when it does not end by itself in time.
-  bool waitForEnd(std::uint32_t milliseconds = 30000) const;
+  bool waitForEnd(std::uint32_t milliseconds = patience) const;
   void kill();
 
-  Answer ask(std::string_view command, std::uint32_t milliseconds = 30000) {
+  Answer ask(std::string_view command, std::uint32_t milliseconds = patience) {
     return answerTo(send(command), milliseconds);
   }
   // Does not wait; the number is for answerTo().
   int send(std::string_view command);
-  Answer answerTo(int number, std::uint32_t milliseconds = 30000);
+  Answer answerTo(int number, std::uint32_t milliseconds = patience);
 
   // "quit", and then the end of the process. False when it does not end in time.
-  bool quit(std::uint32_t milliseconds = 30000);
+  bool quit(std::uint32_t milliseconds = patience);
 
   // The value of `name` in an answer's line: name=value or name="value" (as it stands in the quotes).
   static std::string field(const std::string& line, const std::string& name);

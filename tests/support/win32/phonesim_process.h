@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "support/patience.h"
 #include "support/win32/mail_client_process.h"
 
 namespace testing_support {
@@ -20,9 +21,9 @@ class PhonesimProcess {
   PhonesimProcess& operator=(const PhonesimProcess&) = delete;
 
   // The rest of the first line that begins like this; nothing when none came in time.
-  std::optional<std::string> awaitLine(std::string_view beginning, std::uint32_t milliseconds = 30000);
+  std::optional<std::string> awaitLine(std::string_view beginning, std::uint32_t milliseconds = patience);
   void type(std::string_view command) { send(command); }
-  Answer ask(std::string_view command, std::uint32_t milliseconds = 30000);
+  Answer ask(std::string_view command, std::uint32_t milliseconds = patience);
   void kill();
 
  private:

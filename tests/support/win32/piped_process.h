@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "com/windows.h"
+#include "support/patience.h"
 
 namespace testing_support {
 
@@ -43,7 +44,7 @@ class PipedProcess {
     stop_ = true;
     DWORD written = 0;
     WriteFile(wake_.get(), "\n", 1, &written, nullptr);
-    WaitForSingleObject(reader_, 5000);
+    WaitForSingleObject(reader_, patience);
     CloseHandle(reader_);
     CloseHandle(arrived_);
     DeleteCriticalSection(&lock_);
@@ -55,7 +56,7 @@ class PipedProcess {
   }
   void kill() {
     TerminateProcess(process_.get(), 99);
-    waitForEnd(5000);
+    waitForEnd(patience);
   }
   DWORD id() const { return id_; }
   DWORD exitCode() const {

@@ -60,7 +60,7 @@ int runProgram(std::wstring command) {
     return -1;
   CloseHandle(information.hThread);
   DWORD code = 0;
-  const bool ended = WaitForSingleObject(information.hProcess, 60000) == WAIT_OBJECT_0;
+  const bool ended = WaitForSingleObject(information.hProcess, patience) == WAIT_OBJECT_0;
   GetExitCodeProcess(information.hProcess, &code);
   CloseHandle(information.hProcess);
   return ended ? static_cast<int>(code) : -1;
@@ -303,7 +303,7 @@ void startWorker() {
   PROCESS_INFORMATION information{};
   if (!CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &information))
     return;
-  WaitForInputIdle(information.hProcess, 10000);
+  WaitForInputIdle(information.hProcess, patience);
   CloseHandle(information.hThread);
   CloseHandle(information.hProcess);
 }
@@ -319,7 +319,7 @@ bool killProcess(std::uint32_t id) {
   const HANDLE process = OpenProcess(PROCESS_TERMINATE | SYNCHRONIZE, FALSE, id);
   if (!process) return false;
   TerminateProcess(process, 1);
-  const bool ended = WaitForSingleObject(process, 10000) == WAIT_OBJECT_0;
+  const bool ended = WaitForSingleObject(process, patience) == WAIT_OBJECT_0;
   CloseHandle(process);
   return ended;
 }

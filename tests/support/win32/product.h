@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "addin/platform/object.h"
+#include "support/patience.h"
 
 namespace testing_support {
 
@@ -78,7 +79,7 @@ class TraceLog {
   std::vector<std::string> lines(std::size_t from = 0) const;
   std::size_t size() const { return lines().size(); }
   // Waits until some line from `from` on contains the text.
-  bool waitFor(const std::string& text, std::size_t from, std::uint32_t milliseconds = 20000) const;
+  bool waitFor(const std::string& text, std::size_t from, std::uint32_t milliseconds = patience) const;
   std::size_t count(const std::string& text, std::size_t from = 0) const;
 
  private:
@@ -130,10 +131,10 @@ void endWorker();
 
 // Waits until the condition holds. False when the time is over.
 template <class F>
-bool waitUntil(F&& condition, std::uint32_t milliseconds = 60000);
+bool waitUntil(F&& condition, std::uint32_t milliseconds = patience);
 
 // Waits for a top-level window with this title and closes it. False when none came in time.
-bool closeWindow(const wchar_t* title, std::uint32_t milliseconds = 60000);
+bool closeWindow(const wchar_t* title, std::uint32_t milliseconds = patience);
 
 void pauseBriefly();       // between two looks
 std::uint32_t ticksNow();  // milliseconds

@@ -161,16 +161,22 @@ std::wstring statusText(HWND bar, int part) {
   return text;
 }
 
-// In front, and its program has given it the focus: a key before that would be lost.
+// In front, and its program has given it the focus: a key before that would be lost. News of the focus that the display
+// sent before may reach the program afterwards and take it away again, so it has to be there for several looks, between
+// which the program has served its messages.
 bool toFront(HWND window) {
+  constexpr int looks = 4;
   const DWORD thread = GetWindowThreadProcessId(window, nullptr);
+  int there = 0;
   return waitUntil([&] {
+    SendMessageW(window, WM_NULL, 0, 0);
     if (GetForegroundWindow() != window) SetForegroundWindow(window);
     GUITHREADINFO now{};
     now.cbSize = sizeof now;
     GetGUIThreadInfo(thread, &now);
     const bool hasFocus = now.hwndFocus == window || IsChild(window, now.hwndFocus);
-    return GetForegroundWindow() == window && now.hwndActive == window && hasFocus;
+    there = GetForegroundWindow() == window && now.hwndActive == window && hasFocus ? there + 1 : 0;
+    return there == looks;
   });
 }
 

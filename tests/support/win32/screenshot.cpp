@@ -16,8 +16,6 @@ namespace {
 
 using testing_support::waitUntil;
 
-constexpr std::uint32_t patience = 3000;  // milliseconds
-
 struct Windows {
   DWORD process;
   RECT area{};             // around all of them
@@ -117,14 +115,12 @@ bool write(Pixels& pixels, const std::wstring& file) {
 // Painted windows reach the screen a moment later: when two looks see the same, it is there.
 bool saveScreenshot(DWORD process, const std::wstring& file) {
   Pixels now;
-  waitUntil(
-      [&] {
-        const Windows all = windowsOf(process);
-        if (all.unpainted || IsRectEmpty(&all.area)) return false;
-        Pixels before = std::exchange(now, capture(all.area));
-        return before == now;
-      },
-      patience);
+  waitUntil([&] {
+    const Windows all = windowsOf(process);
+    if (all.unpainted || IsRectEmpty(&all.area)) return false;
+    Pixels before = std::exchange(now, capture(all.area));
+    return before == now;
+  });
   return !now.bytes.empty() && write(now, file);
 }
 

@@ -8,6 +8,7 @@
 #include "addin/platform/native.h"
 #include "com/class_factory.h"
 #include "com/registration.h"
+#include "support/patience.h"
 
 namespace failures_tests {
 namespace {
@@ -140,13 +141,13 @@ class FailingWorker::Server {
     ready_ = CreateEventW(nullptr, TRUE, FALSE, nullptr);
     thread_ = CreateThread(nullptr, 0, &Server::run, this, 0, &threadId_);
     const HANDLE either[] = {ready_, thread_};
-    WaitForMultipleObjects(2, either, FALSE, 10000);
+    WaitForMultipleObjects(2, either, FALSE, testing_support::patience);
   }
   Server(const Server&) = delete;
   Server& operator=(const Server&) = delete;
   ~Server() {
     PostThreadMessageW(threadId_, WM_QUIT, 0, 0);
-    WaitForSingleObject(thread_, 10000);
+    WaitForSingleObject(thread_, testing_support::patience);
     CloseHandle(thread_);
     CloseHandle(ready_);
   }

@@ -54,6 +54,7 @@ class TornDown : public ProductTest {
                         "Removed Help button"};
     return removed + Lines{"OnBeginShutdown", "OnDisconnection"} + removed;
   }
+  // By error 3; the listing's own time-out is error 6.
   static Lines listingEnds() {
     return storeListed("ME", false) +
            Lines{"Error:3, Error during ListMessage, Store:1, ReceiveAll", receiveFailed, nothingThere};
@@ -69,11 +70,9 @@ class TornDown : public ProductTest {
 
 TEST_F(TornDown, DisconnectInsideTheListingWait_EndsItAtOnce) {
   clickUntilListing();
-  const std::uint32_t start = testing_support::ticksNow();
   disconnectAddIn();
   expectClickEnds();
   EXPECT_EQ(references(), Lines{});
-  EXPECT_LT(testing_support::ticksNow() - start, 4000u) << "not by the listing's time-out";
   EXPECT_EQ(traced(begun_), disconnectedByUserLines() + listingEnds());
 
   connectAddIn();

@@ -7,6 +7,7 @@
 #include "phone/line/steady_clock.h"
 #include "phone/line/tcp_line.h"
 #include "support/errors.h"
+#include "support/patience.h"
 #include "system/servers/phone_user.h"
 
 namespace servers_tests {
@@ -23,14 +24,14 @@ using testing::StartsWith;
 // The simulator's console; the environment says where.
 class Operator {
  public:
-  Operator() : line_("127.0.0.1", std::getenv("PHONESIM_CONTROL"), in(10000)) {}
+  Operator() : line_("127.0.0.1", std::getenv("PHONESIM_CONTROL"), in(testing_support::patience)) {}
 
   // Its last line; empty when none came.
   std::string tell(const std::string& command) {
-    line_.write(command + "\n", in(10000));
+    line_.write(command + "\n", in(testing_support::patience));
     std::string answer;
     for (std::string octets = "-"; !octets.empty();) {
-      octets = line_.read(in(10000));
+      octets = line_.read(in(testing_support::patience));
       std::erase(octets, '\r');
       answer += octets;
       const std::size_t end = answer.rfind('\n');

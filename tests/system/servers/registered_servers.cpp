@@ -2,6 +2,7 @@
 
 #include "com/create_object.h"
 #include "servers/dvmworker/handset_control.h"
+#include "support/patience.h"
 #include "support/win32/product.h"
 
 namespace servers_tests {
@@ -12,7 +13,6 @@ using platform::StringView;
 namespace {
 
 constexpr StringView dlls[] = {u"timermm.dll", u"mrktxtmsghelper.dll", u"sms_object.dll"};
-constexpr DWORD patience = 60000;
 
 class Registration final : public testing::Environment {
  public:
@@ -56,7 +56,7 @@ String productFile(StringView name) {
 bool serveUntil(const std::function<bool()>& done) {
   const DWORD start = GetTickCount();
   while (!done()) {
-    if (GetTickCount() - start > patience) return false;
+    if (GetTickCount() - start > testing_support::patience) return false;
     MsgWaitForMultipleObjectsEx(0, nullptr, 20, QS_ALLINPUT, MWMO_INPUTAVAILABLE);
     MSG message;
     while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);

@@ -57,6 +57,15 @@ TEST(RuntimeError, RaisedWithWords_KeepsThem) {
   EXPECT_EQ(error->description, u"Not idle!");
 }
 
+TEST(RuntimeError, WhoCatchesAnyException_ReadsNumberAndDescription) {
+  const auto what = [](std::int32_t number, StringView description) {
+    const RuntimeError error(number, u"me", description);
+    return std::string(static_cast<const std::exception&>(error).what());
+  };
+  EXPECT_EQ(what(13, standardText(13)), "13 Type mismatch");
+  EXPECT_EQ(what(-1, u"gr\u00F6\u00DFer"), "-1 gr??er");
+}
+
 TEST(OnErrorTell, WithoutAnError_TellsNothingAndGivesTheResult) {
   int told = 0;
   EXPECT_EQ(onErrorTell<int>([](int& result) { result = 5; }, [&](const RuntimeError&) { ++told; }), 5);

@@ -26,7 +26,8 @@ using namespace servers::dvmworker;
 
 constexpr std::int32_t lookForClientsEvery = 1000;  // milliseconds
 constexpr std::int32_t lookForPortsEvery = 5000;
-constexpr DWORD waitForTheOneBefore = 5000;
+// It may have to wait for several lines (modem/win/line_thread.cpp); COM waits for a server longer than this.
+constexpr DWORD waitForTheOneBefore = 25000;
 
 constexpr com::ClassRegistration registrations[] = {
     {dvmworkerlib::clsidWorker, dvmworkerlib::progIdWorker, u"Marrick Phone Connection Worker", com::ServerKind::Local},
