@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "com/bridge.h"
+#include "com/lasting_interfaces.h"
 #include "mailclient/console.h"
 #include "mailclient/maildir.h"
 #include "mailclient/text_coding.h"
@@ -98,6 +99,7 @@ int wmain(int count, wchar_t** texts) {
   if (FAILED(OleInitialize(nullptr))) return 1;
   int code = 1;
   try {
+    const com::LastingInterfaces lasting;  // add-ins hand out sinks and objects of this process
     code = run(arguments);
   } catch (const mailclient::RuntimeError& error) {
     std::fprintf(stderr, "mailclient: %s\n", mailclient::toUtf8(error.description).c_str());

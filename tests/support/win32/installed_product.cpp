@@ -121,6 +121,8 @@ InstalledProduct::InstalledProduct() : folder_(freshFolder()) {
   setOption(L"SendReceive_UseAuto", 0u);
   setShortMinute(0);
   trace_ = std::make_unique<TraceLog>(folder_ + L"\\trace.log");
+  // The add-in starts it too, but waits for it for little more than a second.
+  EXPECT_TRUE(trace_->startViewer());
 }
 
 InstalledProduct::~InstalledProduct() {

@@ -227,12 +227,16 @@ TraceLog::TraceLog(std::wstring file) : file_(std::move(file)) {
 
 // Not by closing its window: without a window manager, Wine takes two seconds to destroy a minimised one. The file is
 // complete after each line.
-TraceLog::~TraceLog() {
+void TraceLog::endViewer() const {
   if (const HWND viewer = findViewer()) {
     DWORD id = 0;
     GetWindowThreadProcessId(viewer, &id);
     killProcess(id);
   }
+}
+
+TraceLog::~TraceLog() {
+  endViewer();
   removeValue(HKEY_LOCAL_MACHINE, debugKey, L"Enabled");
   removeValue(HKEY_LOCAL_MACHINE, debugKey, L"Path");
 }

@@ -71,6 +71,7 @@ class TraceLog {
 
   // Starts the viewer before the add-in does, or instead of it. False when it does not come.
   bool startViewer() const;
+  void endViewer() const;
   // What the add-in finds of its own settings: the trace's key, or the one below it for its level.
   enum class Where : std::uint8_t { Channel, Writer };
   static void set(Where where, const wchar_t* name, std::uint32_t type, const std::vector<std::byte>& data);

@@ -201,15 +201,19 @@ void type(const std::wstring& text) {
   }
 }
 
+// Both halves of the click say where: news of where the pointer was before may come between them.
 void clickAt(HWND window, int x, int y, bool control) {
   POINT at{x, y};
   ClientToScreen(window, &at);
   SetCursorPos(at.x, at.y);
+  const auto ofWhole = [](LONG pixels, int metric) { return (pixels * 65536 + 32768) / GetSystemMetrics(metric); };
   if (control) key(VK_CONTROL, 0);
   for (const DWORD flag : {MOUSEEVENTF_LEFTDOWN, MOUSEEVENTF_LEFTUP}) {
     INPUT input{};
     input.type = INPUT_MOUSE;
-    input.mi.dwFlags = flag;
+    input.mi.dx = ofWhole(at.x, SM_CXSCREEN);
+    input.mi.dy = ofWhole(at.y, SM_CYSCREEN);
+    input.mi.dwFlags = MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE | flag;
     SendInput(1, &input, sizeof input);
   }
   if (control) key(VK_CONTROL, KEYEVENTF_KEYUP);

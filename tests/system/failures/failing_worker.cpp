@@ -7,6 +7,7 @@
 #include "addin/platform/dvmworkerlib.h"
 #include "addin/platform/native.h"
 #include "com/class_factory.h"
+#include "com/lasting_interfaces.h"
 #include "com/registration.h"
 #include "support/patience.h"
 
@@ -164,6 +165,7 @@ class FailingWorker::Server {
     return 0;
   }
   void serve() {
+    const com::LastingInterfaces lasting;
     const com::RunningClass running(com::nativeClass<&makeWorker>(clsidFailing));
     serving_ = true;
     SetEvent(ready_);

@@ -99,8 +99,9 @@ TEST_F(MissingServer, SmsObject_LeavesAConnectedPhoneThatCanDoNothing) {
 
 class MissingViewer : public ProductTest {
  protected:
-  static void setPath(const std::wstring& text) {
+  void setPath(const std::wstring& text) const {
     const auto* const bytes = reinterpret_cast<const std::byte*>(text.c_str());
+    trace_->endViewer();
     TraceLog::set(TraceLog::Where::Channel, L"Path", 1, {bytes, bytes + (text.size() + 1) * sizeof(wchar_t)});
   }
   void sendAndReceiveOne() {

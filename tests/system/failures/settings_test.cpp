@@ -283,6 +283,7 @@ TEST_F(Settings, TextsOf64Kilobytes_AreTakenAsTheyAre) {
 // A mail client without a window logs three lines at its start, which is all that these need.
 class TraceSettings : public ProductTest {
  protected:
+  TraceSettings() { trace_->endViewer(); }
   static void setText(TraceLog::Where where, const wchar_t* name, const std::wstring& text) {
     TraceLog::set(where, name, REG_SZ, textBytes(text));
   }

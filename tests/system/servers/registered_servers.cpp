@@ -128,6 +128,7 @@ void Setting::remove() { RegDeleteValueW(key_, name_); }
 
 RegisteredServers::RegisteredServers() {
   OleInitialize(nullptr);
+  lasting_.emplace();
   wchar_t folder[MAX_PATH + 1];
   GetTempPathW(MAX_PATH, folder);
   file_ = String(reinterpret_cast<const char16_t*>(folder)) + u"marrick_servers_test.txt";
@@ -141,6 +142,7 @@ RegisteredServers::RegisteredServers() {
 RegisteredServers::~RegisteredServers() {
   endRunningWorker();
   for (const StringView behind : {u"", u".sends"}) DeleteFileW(wide(file_ + String(behind)));
+  lasting_.reset();
   OleUninitialize();
 }
 

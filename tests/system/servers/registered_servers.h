@@ -8,6 +8,7 @@
 
 #include "addin/platform/object.h"
 #include "com/bridge.h"
+#include "com/lasting_interfaces.h"
 #include "com/registration.h"
 
 namespace servers_tests {
@@ -69,6 +70,9 @@ class RegisteredServers : public testing::Test {
   platform::String file_;
 
  private:
+  // This process is called by the servers.
+  std::optional<com::LastingInterfaces> lasting_;
+
   static void endRunningWorker();
 };
 

@@ -8,6 +8,7 @@
 #include "addin/platform/object.h"
 #include "addin/platform/with_events.h"
 #include "bridge_fixture.h"
+#include "com/lasting_interfaces.h"
 #include "com/registration.h"
 #include "gadget.h"
 #include "support/errors.h"
@@ -114,6 +115,7 @@ TEST(OtherProcess, DISABLED_Serve) {
   const String path = fileToWrite();
   if (path.empty()) GTEST_SKIP() << "runs in a process of its own";
   ASSERT_TRUE(SUCCEEDED(CoInitialize(nullptr)));
+  const com::LastingInterfaces lasting;
   const auto remote = make<Remote>();
   writeObject(*com::exported(remote->object()).get(), path);
   serveMessages(60'000);  // until it is killed
@@ -167,6 +169,7 @@ class Processes : public BridgeTest {
     return com::import(proxy.get());
   }
 
+  com::LastingInterfaces lasting_;
   PROCESS_INFORMATION process_{};
   String path_;
   LateBound remote_;

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "addin/platform/object.h"
+#include "com/lasting_interfaces.h"
 
 namespace {
 
@@ -29,6 +30,8 @@ platform::Ref<Clerk> makeClerk() { return platform::make<Clerk>(); }
 com::Ptr<IUnknown> refuse() { platform::raiseError(70); }
 
 constexpr com::Class classes[] = {com::nativeClass<&makeClerk>(clsidGood), {clsidBad, &refuse}};
+
+int timesEmpty = 0;
 
 class ClassFactory : public testing::Test {
  protected:
@@ -72,6 +75,23 @@ TEST_F(ClassFactory, ObjectsFactoriesAndLocks_KeepTheModule) {
   EXPECT_EQ(com::canUnloadNow(), S_OK);
 }
 
+TEST_F(ClassFactory, LastingInterfaces_AreKept_AndKeepNeitherTheModuleNorTheServer) {
+  timesEmpty = 0;
+  com::LiveExport::whenNoneIsLeft = [] { ++timesEmpty; };
+  {
+    const com::LastingInterfaces lasting;
+    EXPECT_EQ(lasting.count(), 6);
+    EXPECT_EQ(com::canUnloadNow(), S_OK);
+    const com::RunningClass running(classes[0]);
+    com::Ptr<IDispatch> object;
+    ASSERT_EQ(CoCreateInstance(com::iidOf(clsidGood), nullptr, CLSCTX_LOCAL_SERVER, IID_IDispatch, object.putVoid()),
+              S_OK);
+    object = nullptr;
+    EXPECT_EQ(timesEmpty, 1);
+  }
+  com::LiveExport::whenNoneIsLeft = nullptr;
+}
+
 TEST_F(ClassFactory, Failures_AreResults) {
   void* result = &result;
   EXPECT_EQ(com::getClassObject(classes, com::iidOf(clsidNone), IID_IClassFactory, &result), CLASS_E_CLASSNOTAVAILABLE);
@@ -89,8 +109,6 @@ TEST_F(ClassFactory, Failures_AreResults) {
   EXPECT_EQ(good->CreateInstance(nullptr, IID_IMalloc, &result), E_NOINTERFACE);
   EXPECT_EQ(good->CreateInstance(nullptr, IID_IUnknown, nullptr), E_POINTER);
 }
-
-int timesEmpty = 0;
 
 TEST_F(ClassFactory, RunningClass_CanBeCreated_DoesNotKeepTheServer_AndEndsWithItsObject) {
   timesEmpty = 0;

@@ -10,6 +10,7 @@
 
 #include "com/class_factory.h"
 #include "com/create_object.h"
+#include "com/lasting_interfaces.h"
 #include "com/registration.h"
 #include "servers/common/win/window_scheduler.h"
 #include "servers/dvmworker/handset_control.h"
@@ -200,6 +201,7 @@ void serveWhatWaits() {
 }
 
 void serve() {
+  const com::LastingInterfaces lasting;
   Server running;
   server = &running;
   do {
