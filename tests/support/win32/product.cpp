@@ -8,6 +8,9 @@
 #include "servers/dvmworker/handset_control.h"
 #include "support/win32/mail_client_process.h"
 
+// Behind the system's own header, which comes with the others.
+#include <tlhelp32.h>
+
 namespace testing_support {
 
 const wchar_t* const optionsKey = L"Software\\Microsoft\\Office\\9.0\\Outlook\\Options\\TextMessage";
@@ -328,8 +331,14 @@ bool killProcess(std::uint32_t id) {
   return ended;
 }
 
+// By its name: one that hangs could not be asked, and Wine may have started several, of which one serves at a time.
 void endWorker() {
-  if (workerRuns()) killProcess(static_cast<std::uint32_t>(Handset::connect().ProcessId()));
+  const HANDLE processes = CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0);
+  PROCESSENTRY32W one{};
+  one.dwSize = sizeof one;
+  for (BOOL more = Process32FirstW(processes, &one); more; more = Process32NextW(processes, &one))
+    if (lstrcmpiW(one.szExeFile, workerFile) == 0) killProcess(one.th32ProcessID);
+  CloseHandle(processes);
 }
 
 bool closeWindow(const wchar_t* title, std::uint32_t milliseconds) {

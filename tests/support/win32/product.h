@@ -127,7 +127,7 @@ bool killProcess(std::uint32_t id);
 bool workerRuns();
 // COM starts a server that is not there, but Wine then looks for it once a second only.
 void startWorker();
-// Kills dvmworker.exe when it runs. COM must be initialised.
+// Kills dvmworker.exe when it runs.
 void endWorker();
 
 // Waits until the condition holds. False when the time is over.

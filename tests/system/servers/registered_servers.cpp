@@ -135,12 +135,12 @@ RegisteredServers::RegisteredServers() {
   stateFile_.set(file_);
   sendFile_.set(file_ + u".sends");
   ports_.set(u"sim");
-  endRunningWorker();
+  testing_support::endWorker();
   for (const StringView behind : {u"", u".sends"}) DeleteFileW(wide(file_ + String(behind)));
 }
 
 RegisteredServers::~RegisteredServers() {
-  endRunningWorker();
+  testing_support::endWorker();
   for (const StringView behind : {u"", u".sends"}) DeleteFileW(wide(file_ + String(behind)));
   lasting_.reset();
   OleUninitialize();
@@ -155,10 +155,6 @@ void RegisteredServers::killWorker(const platform::LateBound& handset) {
   TerminateProcess(process, 1);
   EXPECT_TRUE(waitFor(process));
   CloseHandle(process);
-}
-
-void RegisteredServers::endRunningWorker() {
-  if (testing_support::workerRuns()) killWorker(handset());
 }
 
 }  // namespace servers_tests

@@ -72,8 +72,6 @@ class RegisteredServers : public testing::Test {
  private:
   // This process is called by the servers.
   std::optional<com::LastingInterfaces> lasting_;
-
-  static void endRunningWorker();
 };
 
 }  // namespace servers_tests

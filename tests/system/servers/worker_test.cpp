@@ -7,6 +7,9 @@
 #include "system/servers/phone_user.h"
 #include "unit/servers/recording.h"
 
+// Behind the system's own header, which comes with the others.
+#include <tlhelp32.h>
+
 namespace servers_tests {
 namespace {
 
@@ -15,6 +18,18 @@ using servers_testing::AnswerRecorder;
 using servers_testing::NoticeRecorder;
 using testing_support::errorNumberOf;
 using Lines = std::vector<std::string>;
+
+// The oldest; 0 when there is no such process.
+DWORD mainThreadOf(DWORD process) {
+  const HANDLE threads = CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
+  THREADENTRY32 one{};
+  one.dwSize = sizeof one;
+  DWORD found = 0;
+  for (BOOL more = Thread32First(threads, &one); more && found == 0; more = Thread32Next(threads, &one))
+    if (one.th32OwnerProcessID == process) found = one.th32ThreadID;
+  CloseHandle(threads);
+  return found;
+}
 
 class WorkerServer : public RegisteredServers {
  protected:
@@ -155,6 +170,21 @@ TEST_F(WorkerServer, WithoutClients_Ends) {
   EXPECT_TRUE(serveUntil([&] { return WaitForSingleObject(process, 0) == WAIT_OBJECT_0; }));
   EXPECT_GE(GetTickCount() - start, 3000u);  // a client that comes back soon finds it
   CloseHandle(process);
+}
+
+// What was asked for in the moment in which a server gave up serving is still made, and keeps it.
+TEST_F(WorkerServer, AskedWhileItIsEnding_GoesOnServing) {
+  const LateBound held = handset();
+  const auto id = held.get<std::int32_t>(u"ProcessId");
+  const DWORD thread = mainThreadOf(static_cast<DWORD>(id));
+  ASSERT_NE(thread, 0u);
+  for (int i = 0; i < 15; ++i) {
+    ASSERT_TRUE(PostThreadMessageW(thread, WM_QUIT, 0, 0));
+    Sleep(static_cast<DWORD>(i % 5));
+    const LateBound made = handset();
+    ASSERT_EQ(errorNumberOf([&] { EXPECT_EQ(made.get<std::int32_t>(u"ProcessId"), id); }), 0);
+  }
+  EXPECT_EQ(held.get<std::int32_t>(u"ProcessId"), id);
 }
 
 TEST_F(WorkerServer, SmsObjectHeldAlone_KeepsTheServer) {

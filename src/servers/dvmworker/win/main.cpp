@@ -156,16 +156,21 @@ class Offers {
 };
 
 constinit Server* server = nullptr;
-constinit Offers* offers = nullptr;
+constinit Offers* offers = nullptr;  // null while nothing is offered: what was asked for before may still come
+
+// The server, for a new object of a class. Whoever is too late is told to ask again, which starts the next one.
+Server& serving(const Guid& clsid) {
+  if (!server) raiseError(CO_E_SERVER_STOPPING, u"dvmworker", u"The server is ending");
+  if (offers) offers->used(clsid);
+  return *server;
+}
 
 Ref<Worker> makeWorker() {
-  offers->used(dvmworkerlib::clsidWorker);
-  return make<Worker>(servers::windowScheduler(), server->phones());
+  return make<Worker>(servers::windowScheduler(), serving(dvmworkerlib::clsidWorker).phones());
 }
 
 Ref<HandsetControl> makeControl() {
-  offers->used(clsidHandset);
-  return make<HandsetControl>(server->handset(), static_cast<std::int32_t>(GetCurrentProcessId()));
+  return make<HandsetControl>(serving(clsidHandset).handset(), static_cast<std::int32_t>(GetCurrentProcessId()));
 }
 
 // Ends the message loop when the server may end.
@@ -211,6 +216,7 @@ void serve() {
       offers = &offered;
       const EndsWhenIdle end;
       serveMessages();
+      offers = nullptr;
     }
     serveWhatWaits();
   } while (running.hasClients());
