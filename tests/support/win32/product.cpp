@@ -52,6 +52,15 @@ void removeValue(HKEY root, const wchar_t* path, const wchar_t* name) {
 
 bool isDll(const std::wstring& file) { return file.ends_with(L".dll"); }
 
+void killAll(const wchar_t* program) {
+  const HANDLE processes = CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0);
+  PROCESSENTRY32W one{};
+  one.dwSize = sizeof one;
+  for (BOOL more = Process32FirstW(processes, &one); more; more = Process32NextW(processes, &one))
+    if (lstrcmpiW(one.szExeFile, program) == 0) killProcess(one.th32ProcessID);
+  CloseHandle(processes);
+}
+
 HWND findViewer() { return FindWindowW(L"DebugOut Window", L"DebugOutput"); }
 
 // Runs a program to its end; its exit code, or -1.
@@ -230,13 +239,9 @@ TraceLog::TraceLog(std::wstring file) : file_(std::move(file)) {
 
 // Not by closing its window: without a window manager, Wine takes two seconds to destroy a minimised one. The file is
 // complete after each line.
-void TraceLog::endViewer() const {
-  if (const HWND viewer = findViewer()) {
-    DWORD id = 0;
-    GetWindowThreadProcessId(viewer, &id);
-    killProcess(id);
-  }
-}
+//
+// All of them: one that the add-in has started may not have seen yet that it is not the first.
+void TraceLog::endViewer() const { killAll(L"dbgview.exe"); }
 
 TraceLog::~TraceLog() {
   endViewer();
@@ -332,14 +337,7 @@ bool killProcess(std::uint32_t id) {
 }
 
 // By its name: one that hangs could not be asked, and Wine may have started several, of which one serves at a time.
-void endWorker() {
-  const HANDLE processes = CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0);
-  PROCESSENTRY32W one{};
-  one.dwSize = sizeof one;
-  for (BOOL more = Process32FirstW(processes, &one); more; more = Process32NextW(processes, &one))
-    if (lstrcmpiW(one.szExeFile, workerFile) == 0) killProcess(one.th32ProcessID);
-  CloseHandle(processes);
-}
+void endWorker() { killAll(workerFile); }
 
 bool closeWindow(const wchar_t* title, std::uint32_t milliseconds) {
   HWND window = nullptr;
